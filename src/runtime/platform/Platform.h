@@ -1,0 +1,83 @@
+#pragma once
+
+// The one place that talks to the operating system. Each call is a task the
+// library needs (lock, convert text, read the clock, read or write a file),
+// not a wrapper for a system call. No system header appears here.
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace MxXmlLib
+{
+namespace Platform
+{
+
+// Code-page numbers keep their Windows meaning so that settings carry over.
+constexpr unsigned CodePageAcp = 0;
+constexpr unsigned CodePageThreadAcp = 3;
+constexpr unsigned CodePageUtf8 = 65001;
+// The local encoding of a process that never sets one.
+constexpr unsigned DefaultLocalCodePage = CodePageUtf8;
+
+// --- recursive mutex in caller-provided storage --------------------------
+void MutexInit(void *storage, std::size_t size);
+void MutexDestroy(void *storage);
+void MutexLock(void *storage);
+void MutexUnlock(void *storage);
+
+// --- text in a code page <-> wide text (UTF-32, wchar_t is 32 bits) ---------
+// Decoding replaces malformed input by U+FFFD; encoding replaces characters
+// the code page cannot show by '?'. Both return false, with nothing written,
+// when the code page is unknown.
+bool DecodeToWide(unsigned codePage, char const *text, std::size_t length, std::wstring &out);
+bool EncodeFromWide(unsigned codePage, wchar_t const *text, std::size_t length, std::string &out);
+
+// --- clock -------------------------------------------------------------------
+struct LocalTime
+{
+    int year;         // e.g. 2026
+    int month;        // [1, 12]
+    int dayOfWeek;    // [0, 6], 0 is Sunday
+    int day;          // [1, 31]
+    int hour;         // [0, 23]
+    int minute;       // [0, 59]
+    int second;       // [0, 59]
+    int milliseconds; // [0, 999]
+};
+LocalTime LocalTimeNow();
+// Offset of local time from UTC in minutes at this moment (east positive).
+int LocalUtcOffsetMinutes();
+
+// --- user notification ------------------------------------------------------
+// Stands in for a message box: the title and text go to standard error.
+void ShowWarning(char const *title, char const *text);
+
+// --- files --------------------------------------------------------------------
+// A file handle owned by this object; every failure is reported as false,
+// with the system's reason in LastError().
+class File
+{
+public:
+    File() = default;
+    ~File();
+    File(File const &) = delete;
+    File &operator=(File const &) = delete;
+
+    bool OpenForRead(char const *path);
+    bool CreateForWrite(char const *path); // truncates an existing file
+    bool IsOpen() const { return m_fd >= 0; }
+    // Bytes read, 0 at the end, -1 on failure.
+    long long Read(void *buffer, std::size_t size);
+    bool Write(void const *buffer, std::size_t size);
+    bool Size(std::uint64_t &size) const;
+    void Close();
+    std::string const &LastError() const { return m_error; }
+
+private:
+    int m_fd = -1;
+    std::string m_error;
+};
+
+} // namespace Platform
+} // namespace MxXmlLib
