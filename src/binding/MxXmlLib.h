@@ -1,0 +1,11 @@
+#pragma once
+
+// The whole public interface of the library in one include.
+
+#include "runtime/CriticalSection.h"
+#include "runtime/EventSink.h"
+#include "runtime/FormatString.h"
+#include "runtime/InstanceMonitor.h"
+#include "runtime/MxException.h"
+#include "runtime/SmartPtr.h"
+#include "runtime/TextEncoding.h"
