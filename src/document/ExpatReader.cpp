@@ -36,8 +36,33 @@ void SplitName(std::string const &name, std::string &namespaceUri, std::string &
 } // namespace
 
 CExpatReader::CExpatReader(CXmlDocument *document)
-    : m_document(document), m_scratchSize(0), m_parser(nullptr)
+    : m_document(document), m_scratchSize(0), m_parser(nullptr), m_passThrough(IsUtf8PassThrough())
 {
+}
+
+CExpatReader::Name const &CExpatReader::LookupName(char const *raw)
+{
+    std::string_view const key(raw);
+    std::size_t const hash = HashBytes(key);
+    if (Name const *found = m_names.Find(key, hash))
+        return *found;
+    std::string converted, namespaceUri, localName;
+    Utf8ToLocal(converted, raw);
+    SplitName(converted, namespaceUri, localName);
+    Name name;
+    name.namespaceUri = m_document->Intern(namespaceUri);
+    name.localName = m_document->Intern(localName);
+    return m_names.Insert(key, hash, name);
+}
+
+std::string_view CExpatReader::ToLocal(char const *utf8, std::size_t length)
+{
+    // Expat hands out well-formed UTF-8, which is already local text when the
+    // local encoding is UTF-8; a zero byte cannot occur in XML text.
+    if (m_passThrough)
+        return std::string_view(utf8, length);
+    Utf8ToLocal(m_scratch, reinterpret_cast<unsigned char const *>(utf8), static_cast<unsigned>(length));
+    return m_scratch;
 }
 
 CExpatReader::~CExpatReader()
@@ -128,20 +153,17 @@ void CExpatReader::StartElementHandler(void *userData, char const *name, char co
         return;
     try
     {
-        CXmlDocument *document = self->m_document;
-        std::string namespaceUri, localName;
-        Utf8ToLocal(self->m_scratch, name);
-        SplitName(self->m_scratch, namespaceUri, localName);
-        CXmlElement *element = document->m_documentElement == nullptr
-                                   ? document->AddDocElement(namespaceUri.c_str(), localName.c_str())
-                                   : document->AddChildElement(namespaceUri.c_str(), localName.c_str());
-        std::string rawName, value;
+        Name const elementName = self->LookupName(name);
+        CXmlElement *element = self->m_document->AddElement(elementName.namespaceUri, elementName.localName);
+        std::size_t count = 0;
+        for (char const **pair = attributes; pair && pair[0]; pair += 2)
+            ++count;
         for (char const **pair = attributes; pair && pair[0]; pair += 2)
         {
-            Utf8ToLocal(rawName, pair[0]);
-            Utf8ToLocal(value, pair[1]);
-            SplitName(rawName, namespaceUri, localName);
-            element->AddAttribute(localName, value, namespaceUri);
+            Name const attributeName = self->LookupName(pair[0]);
+            CXmlAttribute *attribute = element->AddAttribute(attributeName.localName, attributeName.namespaceUri, count);
+            std::string_view const value = self->ToLocal(pair[1], std::strlen(pair[1]));
+            attribute->m_value.assign(value.data(), value.size());
         }
     }
     catch (...)
@@ -195,9 +217,8 @@ void CExpatReader::CharacterDataHandler(void *userData, char const *text, int le
         CXmlDocument *document = self->m_document;
         if (document->m_elementStack.empty())
             return;
-        Utf8ToLocal(self->m_scratch, reinterpret_cast<unsigned char const *>(text), static_cast<unsigned>(length));
-        CXmlDocument::AppendTextExcludingCR(document->m_elementStack.back(), self->m_scratch.data(),
-                                            self->m_scratch.size());
+        std::string_view const local = self->ToLocal(text, static_cast<std::size_t>(length));
+        CXmlDocument::AppendTextExcludingCR(document->m_elementStack.back(), local.data(), local.size());
     }
     catch (...)
     {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "document/NameTable.h"
 #include "runtime/InstanceMonitor.h"
 
 #include <exception>
@@ -38,11 +39,23 @@ private:
     void Stop(std::exception_ptr failure);
     void FreeParser();
 
+    // A raw Expat name ("uri|local"), converted and split, as interned names.
+    struct Name
+    {
+        std::string const *namespaceUri = nullptr;
+        std::string const *localName = nullptr;
+    };
+    Name const &LookupName(char const *raw);
+    // Local text of a piece of UTF-8 from Expat, with no copy where none is needed.
+    std::string_view ToLocal(char const *utf8, std::size_t length);
+
     CXmlDocument *m_document;
     std::string m_scratch;
     unsigned m_scratchSize;
     void *m_parser; // XML_Parser
     std::exception_ptr m_failure;
+    CStringMap<Name> m_names;
+    bool m_passThrough;
 };
 
 } // namespace MxXmlLib

@@ -1,6 +1,7 @@
 #include "document/XmlDocument.h"
 
 #include "document/ExpatReader.h"
+#include "document/NameTable.h"
 #include "runtime/MxException.h"
 
 #include <algorithm>
@@ -19,6 +20,18 @@ bool IsDescriptiveNamespace(std::string const &uri)
 {
     return uri == kXsiNamespace || uri == kXmlnsNamespace;
 }
+
+std::string const &EmptyString()
+{
+    static std::string const empty;
+    return empty;
+}
+
+std::vector<CXmlAttribute *> const &NoAttributes()
+{
+    static std::vector<CXmlAttribute *> const none;
+    return none;
+}
 } // namespace
 
 // ---------------------------------------------------------------------------
@@ -26,19 +39,30 @@ bool IsDescriptiveNamespace(std::string const &uri)
 
 CXmlAttribute::CXmlAttribute(CXmlElement const *element, std::string const &localName, std::string const &value,
                              std::string const &namespaceUri)
-    : m_element(element), m_localName(localName), m_value(value), m_namespaceUri(namespaceUri)
+    : m_element(element), m_localName(&EmptyString()), m_value(value), m_namespaceUri(&EmptyString())
+{
+    if (element && element->GetDocument())
+    {
+        m_localName = element->GetDocument()->Intern(localName);
+        m_namespaceUri = element->GetDocument()->Intern(namespaceUri);
+    }
+}
+
+CXmlAttribute::CXmlAttribute(CXmlElement const *element, std::string const *localName,
+                             std::string const *namespaceUri)
+    : m_element(element), m_localName(localName), m_namespaceUri(namespaceUri)
 {
 }
 
 std::string CXmlAttribute::GetXPath() const
 {
     if (m_element == nullptr)
-        return "@" + m_localName;
+        return "@" + *m_localName;
     std::string path = m_element->GetXPath();
     path += '/';
-    if (!m_namespaceUri.empty() && m_element->GetDocument())
+    if (!m_namespaceUri->empty() && m_element->GetDocument())
     {
-        std::string prefix = m_element->GetDocument()->LookupAliasFromNamespace(m_namespaceUri.c_str());
+        std::string prefix = m_element->GetDocument()->LookupAliasFromNamespace(m_namespaceUri->c_str());
         if (!prefix.empty())
         {
             path += prefix;
@@ -46,27 +70,28 @@ std::string CXmlAttribute::GetXPath() const
         }
     }
     path += '@';
-    path += m_localName;
+    path += *m_localName;
     return path;
 }
 
 bool CXmlAttribute::IsNamespaceAttribute() const
 {
-    return IsDescriptiveNamespace(m_namespaceUri) &&
-           (m_localName == "xmlns" || m_localName == "type" || m_localName == "schemaLocation" ||
-            m_localName == "noNamespaceSchemaLocation");
+    std::string const &name = *m_localName;
+    return IsDescriptiveNamespace(*m_namespaceUri) &&
+           (name == "xmlns" || name == "type" || name == "schemaLocation" || name == "noNamespaceSchemaLocation");
 }
 
 bool CXmlAttribute::IsNilAttribute() const
 {
-    return IsDescriptiveNamespace(m_namespaceUri) && m_localName == "nil";
+    return IsDescriptiveNamespace(*m_namespaceUri) && *m_localName == "nil";
 }
 
 // ---------------------------------------------------------------------------
 // CXmlElement
 
 CXmlElement::CXmlElement(CXmlDocument *document, CXmlElement *parent)
-    : m_document(document), m_parent(parent), m_nextSibling(nullptr), m_firstChild(nullptr), m_lastChild(nullptr)
+    : m_document(document), m_parent(parent), m_nextSibling(nullptr), m_firstChild(nullptr), m_lastChild(nullptr),
+      m_localName(&EmptyString()), m_namespaceUri(&EmptyString())
 {
 }
 
@@ -80,17 +105,34 @@ CXmlElement::~CXmlElement()
         delete child;
         child = next;
     }
-    for (CXmlAttribute *attribute : m_attributes)
-        delete attribute;
+    if (m_attributes)
+        for (CXmlAttribute *attribute : *m_attributes)
+            delete attribute;
+}
+
+std::vector<CXmlAttribute *> const &CXmlElement::GetAttributes() const
+{
+    return m_attributes ? *m_attributes : NoAttributes();
 }
 
 std::string const &CXmlElement::GetAttribute(std::string const &localName, std::string const &namespaceUri) const
 {
-    for (CXmlAttribute const *attribute : m_attributes)
-        if (attribute->m_localName == localName && attribute->m_namespaceUri == namespaceUri)
+    for (CXmlAttribute const *attribute : GetAttributes())
+        if (*attribute->m_localName == localName && *attribute->m_namespaceUri == namespaceUri)
             return attribute->m_value;
-    static std::string const empty;
-    return empty;
+    return EmptyString();
+}
+
+void CXmlElement::SetElementName(std::string const &localName)
+{
+    if (m_document)
+        m_localName = m_document->Intern(localName);
+}
+
+void CXmlElement::SetNamespace(std::string const &namespaceUri)
+{
+    if (m_document)
+        m_namespaceUri = m_document->Intern(namespaceUri);
 }
 
 void CXmlElement::AppendText(char const *text)
@@ -122,7 +164,22 @@ CXmlElement *CXmlElement::CreateNewChildElement()
 void CXmlElement::AddAttribute(std::string const &localName, std::string const &value,
                                std::string const &namespaceUri)
 {
-    m_attributes.push_back(new CXmlAttribute(this, localName, value, namespaceUri));
+    if (!m_attributes)
+        m_attributes = std::make_unique<std::vector<CXmlAttribute *>>();
+    m_attributes->push_back(nullptr);
+    m_attributes->back() = new CXmlAttribute(this, localName, value, namespaceUri);
+}
+
+CXmlAttribute *CXmlElement::AddAttribute(std::string const *localName, std::string const *namespaceUri,
+                                         std::size_t expectedCount)
+{
+    if (!m_attributes)
+    {
+        m_attributes = std::make_unique<std::vector<CXmlAttribute *>>();
+        m_attributes->reserve(expectedCount);
+    }
+    m_attributes->push_back(nullptr);
+    return m_attributes->back() = new CXmlAttribute(this, localName, namespaceUri);
 }
 
 CXmlElement *CXmlElement::RemoveLastChildElement()
@@ -145,13 +202,13 @@ CXmlElement *CXmlElement::RemoveLastChildElement()
 
 std::string CXmlElement::GetQName() const
 {
-    if (m_document && !m_namespaceUri.empty())
+    if (m_document && !m_namespaceUri->empty())
     {
-        std::string prefix = m_document->LookupAliasFromNamespace(m_namespaceUri.c_str());
+        std::string prefix = m_document->LookupAliasFromNamespace(m_namespaceUri->c_str());
         if (!prefix.empty())
-            return prefix + ":" + m_localName;
+            return prefix + ":" + *m_localName;
     }
-    return m_localName;
+    return *m_localName;
 }
 
 std::string CXmlElement::GetNameWithPredicate() const
@@ -195,8 +252,9 @@ CXmlDocument::CXmlDocument(ElementEndFunction onElementEnd)
 }
 
 CXmlDocument::CXmlDocument(ElementEndFunction onElementEnd, CSerializationContext const &context)
-    : m_documentElement(nullptr), m_buffer(nullptr), m_bufferLength(0), m_schemaType(context.GetSchemaType()),
-      m_elementEndFunction(onElementEnd), m_context(context)
+    : m_documentElement(nullptr), m_buffer(nullptr), m_bufferLength(0), m_bufferOwned(false),
+      m_schemaType(context.GetSchemaType()), m_elementEndFunction(onElementEnd), m_context(context),
+      m_names(std::make_unique<CNameTable>())
 {
 }
 
@@ -214,11 +272,19 @@ void CXmlDocument::CleanupThis()
 {
     delete m_documentElement;
     m_documentElement = nullptr;
-    std::free(m_buffer);
+    if (m_bufferOwned)
+        std::free(m_buffer);
     m_buffer = nullptr;
     m_bufferLength = 0;
+    m_bufferOwned = false;
     m_elementStack.clear();
     m_namespaceMap.clear();
+    m_names->Clear();
+}
+
+std::string const *CXmlDocument::Intern(std::string_view name)
+{
+    return m_names->Intern(name);
 }
 
 void CXmlDocument::Init()
@@ -231,13 +297,24 @@ void CXmlDocument::Init()
 
 void CXmlDocument::SetBuffer(void const *data, unsigned long length)
 {
-    std::free(m_buffer);
+    if (m_bufferOwned)
+        std::free(m_buffer);
     m_buffer = static_cast<unsigned char *>(std::malloc(length ? length : 1));
     if (m_buffer == nullptr)
         throw std::bad_alloc();
     if (length)
         std::memcpy(m_buffer, data, length);
     m_bufferLength = length;
+    m_bufferOwned = true;
+}
+
+void CXmlDocument::SetBorrowedBuffer(void const *data, unsigned long length)
+{
+    if (m_bufferOwned)
+        std::free(m_buffer);
+    m_buffer = static_cast<unsigned char *>(const_cast<void *>(data));
+    m_bufferLength = length;
+    m_bufferOwned = false;
 }
 
 void CXmlDocument::LoadXml(char const *text)
@@ -246,8 +323,19 @@ void CXmlDocument::LoadXml(char const *text)
     if (text == nullptr || *text == '\0')
         throw CMxException("XML String is empty!");
     Init();
-    SetBuffer(text, std::strlen(text));
-    ParseText();
+    // The text outlives this synchronous parse, so Expat reads it in place;
+    // the buffer is dropped again before returning.
+    SetBorrowedBuffer(text, std::strlen(text));
+    try
+    {
+        ParseText();
+    }
+    catch (...)
+    {
+        SetBorrowedBuffer(nullptr, 0);
+        throw;
+    }
+    SetBorrowedBuffer(nullptr, 0);
 }
 
 void CXmlDocument::LoadXml(wchar_t const *text)
@@ -303,22 +391,30 @@ std::string CXmlDocument::LookupAliasFromNamespace(char const *uri) const
 
 CXmlElement *CXmlDocument::AddDocElement(char const *namespaceUri, char const *localName)
 {
-    // A second document element cannot come from a parser; keep the first.
     delete m_documentElement;
-    m_documentElement = new CXmlElement(this, nullptr);
-    m_documentElement->m_namespaceUri = namespaceUri;
-    m_documentElement->m_localName = localName;
-    m_elementStack.push_back(m_documentElement);
-    return m_documentElement;
+    m_documentElement = nullptr;
+    m_elementStack.clear();
+    return AddElement(Intern(namespaceUri), Intern(localName));
 }
 
 CXmlElement *CXmlDocument::AddChildElement(char const *namespaceUri, char const *localName)
 {
-    CXmlElement *child = m_elementStack.back()->CreateNewChildElement();
-    child->m_namespaceUri = namespaceUri;
-    child->m_localName = localName;
-    m_elementStack.push_back(child);
-    return child;
+    return AddElement(Intern(namespaceUri), Intern(localName));
+}
+
+CXmlElement *CXmlDocument::AddElement(std::string const *namespaceUri, std::string const *localName)
+{
+    CXmlElement *element;
+    if (m_documentElement == nullptr)
+        element = m_documentElement = new CXmlElement(this, nullptr);
+    else if (m_elementStack.empty())
+        throw CMxException("Invalid or empty XML document"); // a second document element
+    else
+        element = m_elementStack.back()->CreateNewChildElement();
+    element->m_namespaceUri = namespaceUri;
+    element->m_localName = localName;
+    m_elementStack.push_back(element);
+    return element;
 }
 
 void CXmlDocument::EndElement()
@@ -339,10 +435,8 @@ void CXmlDocument::AddElementAttribute(CXmlElement *element, std::string const &
 
 void CXmlDocument::AppendTextExcludingCR(CXmlElement *element, char const *text, unsigned long length)
 {
-    char const *end = text;
-    char const *const limit = text + length;
-    while (end < limit && *end)
-        ++end;
+    auto const *zero = static_cast<char const *>(std::memchr(text, 0, length));
+    char const *const end = zero ? zero : text + length;
     char const *run = text;
     while (run < end)
     {

@@ -9,7 +9,9 @@
 #include "runtime/InstanceMonitor.h"
 
 #include <map>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace MxXmlLib
@@ -19,17 +21,20 @@ class CXmlDocument;
 class CXmlElement;
 class CExpatReader;
 class CFastInfosetReader;
+class CNameTable;
 
 class CXmlAttribute : public CInstanceMonitor
 {
     friend class CXmlElement;
     friend class CXmlDocument;
+    friend class CExpatReader;
+    friend class CFastInfosetReader;
 
 public:
     ~CXmlAttribute() override = default;
 
-    std::string const &GetLocalName() const { return m_localName; }
-    std::string const &GetNamespaceURI() const { return m_namespaceUri; }
+    std::string const &GetLocalName() const { return *m_localName; }
+    std::string const &GetNamespaceURI() const { return *m_namespaceUri; }
     std::string const &GetValue() const { return m_value; }
     // "/a/b/p:@x": the prefix of the attribute's namespace stands before the '@'.
     std::string GetXPath() const;
@@ -43,10 +48,13 @@ protected:
                   std::string const &namespaceUri);
 
 private:
+    // Names are shared by all nodes of a document (see CXmlDocument::Intern).
+    CXmlAttribute(CXmlElement const *element, std::string const *localName, std::string const *namespaceUri);
+
     CXmlElement const *m_element;
-    std::string m_localName;
+    std::string const *m_localName;
     std::string m_value;
-    std::string m_namespaceUri;
+    std::string const *m_namespaceUri;
 };
 
 class CXmlElement : public CInstanceMonitor
@@ -62,11 +70,11 @@ public:
     CXmlElement *GetParentElm() const { return m_parent; }
     CXmlElement *GetNextSiblingElement() const { return m_nextSibling; }
     CXmlElement *GetFirstElement() const { return m_firstChild; }
-    std::string const &GetLocalName() const { return m_localName; }
-    std::string const &GetNamespaceURI() const { return m_namespaceUri; }
+    std::string const &GetLocalName() const { return *m_localName; }
+    std::string const &GetNamespaceURI() const { return *m_namespaceUri; }
     // All character data directly inside this element, run together.
     std::string const &GetText() const { return m_text; }
-    std::vector<CXmlAttribute *> const &GetAttributes() const { return m_attributes; }
+    std::vector<CXmlAttribute *> const &GetAttributes() const;
     // The value of the first attribute with exactly this name and namespace,
     // or an empty string.
     std::string const &GetAttribute(std::string const &localName, std::string const &namespaceUri) const;
@@ -80,24 +88,28 @@ protected:
     void AppendText(char const *text, int length);
     CXmlElement *CreateNewChildElement();
     void AddAttribute(std::string const &localName, std::string const &value, std::string const &namespaceUri);
-    void SetElementName(std::string const &localName) { m_localName = localName; }
-    void SetNamespace(std::string const &namespaceUri) { m_namespaceUri = namespaceUri; }
+    void SetElementName(std::string const &localName);
+    void SetNamespace(std::string const &namespaceUri);
     // Unlinks the last child and hands it to the caller; null without children.
     CXmlElement *RemoveLastChildElement();
 
 private:
     std::string GetQName() const;
     std::string GetNameWithPredicate() const;
+    // Adds an attribute with interned names and an empty value, and returns it.
+    CXmlAttribute *AddAttribute(std::string const *localName, std::string const *namespaceUri,
+                                std::size_t expectedCount);
 
     CXmlDocument *m_document;
     CXmlElement *m_parent;
     CXmlElement *m_nextSibling;
     CXmlElement *m_firstChild;
     CXmlElement *m_lastChild;
-    std::vector<CXmlAttribute *> m_attributes;
+    // Most elements carry no attributes: the vector exists only when needed.
+    std::unique_ptr<std::vector<CXmlAttribute *>> m_attributes;
     std::string m_text;
-    std::string m_localName;
-    std::string m_namespaceUri;
+    std::string const *m_localName;
+    std::string const *m_namespaceUri;
 };
 
 class CXmlDocument : public CInstanceMonitor
@@ -129,8 +141,16 @@ protected:
     virtual void Cleanup();
 
 private:
+    friend class CXmlElement;
+    friend class CXmlAttribute;
+
+    // The one shared copy of a name in this document; it lives as long as the
+    // document. Nodes hold names this way, since documents repeat few of them.
+    std::string const *Intern(std::string_view name);
+
     CXmlElement *AddDocElement(char const *namespaceUri, char const *localName);
     CXmlElement *AddChildElement(char const *namespaceUri, char const *localName);
+    CXmlElement *AddElement(std::string const *namespaceUri, std::string const *localName);
     void EndElement();
     static void AddElementAttribute(CXmlElement *element, std::string const &localName, std::string const &value,
                                     std::string const &namespaceUri);
@@ -140,6 +160,8 @@ private:
     void ParseText();
     // Takes ownership of a copy of the bytes as the input buffer.
     void SetBuffer(void const *data, unsigned long length);
+    // Parses the caller's bytes in place: a synchronous load needs no copy.
+    void SetBorrowedBuffer(void const *data, unsigned long length);
     void CleanupThis();
 
     CXmlElement *m_documentElement;
@@ -147,9 +169,11 @@ private:
     std::map<std::string, std::string> m_namespaceMap;
     unsigned char *m_buffer;
     unsigned long m_bufferLength;
+    bool m_bufferOwned;
     SchemaType m_schemaType;
     ElementEndFunction m_elementEndFunction;
     CSerializationContext const &m_context;
+    std::unique_ptr<CNameTable> m_names;
 };
 
 } // namespace MxXmlLib

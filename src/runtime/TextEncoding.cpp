@@ -91,6 +91,11 @@ unsigned int GetLocalCharEncoding()
     return g_localCodePage;
 }
 
+bool IsUtf8PassThrough()
+{
+    return g_asciiOnly || IsUtf8Local(g_localCodePage);
+}
+
 void Utf8ToLocal(std::string &result, unsigned char const *utf8, unsigned length, wchar_t *, unsigned, char *,
                  unsigned)
 {

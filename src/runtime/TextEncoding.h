@@ -15,6 +15,9 @@ bool IsASCIIOnly();
 
 void SetLocalCharEncoding(unsigned int codePage);
 unsigned int GetLocalCharEncoding();
+// True when UTF-8 input reaches local text unchanged: ASCIIOnly is set, or
+// the local encoding is UTF-8 (readers then copy well-formed input as it is).
+bool IsUtf8PassThrough();
 
 // UTF-8 to local text. The result ends at the first zero byte. Characters the
 // local encoding cannot show become '?'. The scratch buffers, when given,

@@ -1,0 +1,14 @@
+#!/usr/bin/env bash
+# Installs what the build needs on a fresh Debian machine (run as root).
+set -euo pipefail
+pkgs=(cmake g++ make pkg-config libexpat1-dev libpcre3-dev zlib1g-dev googletest libgtest-dev)
+[ "${MX_WITH_BENCH:-0}" = 1 ] && pkgs+=(libbenchmark-dev)
+missing=()
+for p in "${pkgs[@]}"; do
+  dpkg -s "$p" >/dev/null 2>&1 || missing+=("$p")
+done
+if [ ${#missing[@]} -gt 0 ]; then
+  export DEBIAN_FRONTEND=noninteractive
+  apt-get update -qq
+  apt-get install -y -qq "${missing[@]}"
+fi
