@@ -9,3 +9,9 @@
 #include "runtime/MxException.h"
 #include "runtime/SmartPtr.h"
 #include "runtime/TextEncoding.h"
+
+#include "binding/SerializationContext.h"
+#include "binding/XmlObjectBase.h"
+#include "collections/XmlCollectionBase.h"
+#include "document/XmlDocument.h"
+#include "metadata/NamespaceAliasMap.h"

@@ -101,6 +101,8 @@ Charset CharsetOf(unsigned codePage, std::string &iconvName)
     return Charset::Iconv;
 }
 
+// Malformed input gives one U+FFFD for each maximal ill-formed subpart, the
+// usual practice of UTF-8 decoders.
 void DecodeUtf8(unsigned char const *p, std::size_t length, std::wstring &out)
 {
     out.clear();
@@ -115,15 +117,23 @@ void DecodeUtf8(unsigned char const *p, std::size_t length, std::wstring &out)
             ++i;
             continue;
         }
-        unsigned need;
+        std::size_t need;
         unsigned cp;
-        unsigned min;
+        unsigned lo = 0x80, hi = 0xBF; // allowed range of the second byte
         if (c >= 0xC2 && c <= 0xDF)
-            need = 1, cp = c & 0x1F, min = 0x80;
+            need = 1, cp = c & 0x1F;
         else if (c >= 0xE0 && c <= 0xEF)
-            need = 2, cp = c & 0x0F, min = 0x800;
+        {
+            need = 2, cp = c & 0x0F;
+            lo = c == 0xE0 ? 0xA0 : 0x80;
+            hi = c == 0xED ? 0x9F : 0xBF;
+        }
         else if (c >= 0xF0 && c <= 0xF4)
-            need = 3, cp = c & 0x07, min = 0x10000;
+        {
+            need = 3, cp = c & 0x07;
+            lo = c == 0xF0 ? 0x90 : 0x80;
+            hi = c == 0xF4 ? 0x8F : 0xBF;
+        }
         else
         {
             out.push_back(kReplacement);
@@ -134,14 +144,13 @@ void DecodeUtf8(unsigned char const *p, std::size_t length, std::wstring &out)
         for (; j <= need && i + j < length; ++j)
         {
             unsigned cc = p[i + j];
-            if ((cc & 0xC0) != 0x80)
+            bool const ok = j == 1 ? (cc >= lo && cc <= hi) : (cc & 0xC0) == 0x80;
+            if (!ok)
                 break;
             cp = (cp << 6) | (cc & 0x3F);
         }
-        if (j <= need || cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF))
+        if (j <= need)
         {
-            // A broken sequence costs one replacement for its lead byte and
-            // the continuation bytes that were read with it.
             out.push_back(kReplacement);
             i += j;
             continue;

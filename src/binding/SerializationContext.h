@@ -1,0 +1,137 @@
+#pragma once
+
+#include "metadata/NamespaceAliasMap.h"
+
+#include <string>
+#include <vector>
+
+namespace MxXmlLib
+{
+
+// Text encoding of output; the numbers are part of the interface.
+enum XmlEncoding
+{
+    XmlEncoding_None = 0,  // local encoding, no encoding in the declaration
+    XmlEncoding_UTF8 = 1,  // no byte order mark
+    XmlEncoding_UTF16 = 2, // little-endian; files start with FF FE
+    XmlEncoding_UTF16NoDeclaration = 3,
+};
+
+enum EOLType
+{
+    CRLF = 0,
+    LF = 1,
+};
+
+enum CompressionType
+{
+    CompressionNone = 0,
+    CompressionGZip = 1,
+    CompressionZLib = 2, // stream output only
+};
+
+// The XML declaration written in front of a Fast Infoset document.
+enum FInfoDecl
+{
+    FInfoDecl_None = 0,
+    FInfoDecl_Finf = 1,                // <?xml encoding='finf'?>
+    FInfoDecl_FinfStandaloneYes = 2,
+    FInfoDecl_FinfStandaloneNo = 3,
+    FInfoDecl_V10Finf = 4,             // <?xml version='1.0' encoding='finf'?>
+    FInfoDecl_V10FinfStandaloneYes = 5,
+    FInfoDecl_V10FinfStandaloneNo = 6,
+    FInfoDecl_V11Finf = 7,             // <?xml version='1.1' encoding='finf'?>
+    FInfoDecl_V11FinfStandaloneYes = 8,
+    FInfoDecl_V11FinfStandaloneNo = 9,
+};
+
+enum SchemaType
+{
+    SchemaType_Default = 0,
+    // The parser runs without namespace processing and matching ignores
+    // namespaces. Only this value has an effect.
+    SchemaType_NoNamespaces = 2,
+};
+
+// The options of one read or write. It belongs to the caller and must outlive
+// the call; it is written to during calls, so concurrent calls need their own.
+class CSerializationContext
+{
+public:
+    CSerializationContext();
+    CSerializationContext(CSerializationContext const &other);
+    CSerializationContext &operator=(CSerializationContext const &other);
+    virtual ~CSerializationContext();
+
+    // The process-wide default, for callers without options of their own.
+    static CSerializationContext &GetDefaultContext();
+
+    std::string GetDefaultNamespaceURI() const { return m_defaultNamespaceUri; }
+    void SetDefaultNamespaceURI(char const *uri);
+
+    bool GetWriteTypeAttribute() const { return m_writeTypeAttribute; }
+    void SetWriteTypeAttribute(bool value) { m_writeTypeAttribute = value; }
+
+    CNamespaceAliasMap &GetNamespaceAliases() { return m_namespaceAliases; }
+    CNamespaceAliasMap const &GetNamespaceAliases() const { return m_namespaceAliases; }
+
+    std::vector<std::string> &GetProcessingInstructions() { return m_processingInstructions; }
+    std::vector<std::string> const &GetProcessingInstructions() const { return m_processingInstructions; }
+
+    std::string GetInLineSchema() const { return m_inLineSchema; }
+    void SetInLineSchema(char const *text);
+
+    bool GetIgnoreInvalidCollectionCounts() const { return m_ignoreInvalidCollectionCounts; }
+    void SetIgnoreInvalidCollectionCounts(bool value) { m_ignoreInvalidCollectionCounts = value; }
+    bool GetIgnoreMissingChoice() const { return m_ignoreMissingChoice; }
+    void SetIgnoreMissingChoice(bool value) { m_ignoreMissingChoice = value; }
+    bool GetIgnoreMissingMandatoryElements() const { return m_ignoreMissingMandatoryElements; }
+    // Raises CMxInvalidStateException when unknown elements are ignored too.
+    void SetIgnoreMissingMandatoryElements(bool value);
+    bool GetIgnoreUnknownElements() const { return m_ignoreUnknownElements; }
+    // Raises CMxInvalidStateException when missing mandatory elements are ignored too.
+    void SetIgnoreUnknownElements(bool value);
+    bool GetIgnoreUnknownAttributes() const { return m_ignoreUnknownAttributes; }
+    void SetIgnoreUnknownAttributes(bool value) { m_ignoreUnknownAttributes = value; }
+    // True when the flag is set or the schema type turns namespaces off.
+    bool GetIgnoreNamespaces() const { return m_ignoreNamespaces || m_schemaType == SchemaType_NoNamespaces; }
+    void SetIgnoreNamespaces(bool value) { m_ignoreNamespaces = value; }
+    // The flag alone, without the schema type.
+    bool GetIgnoreNamespacesFlag() const { return m_ignoreNamespaces; }
+
+    SchemaType GetSchemaType() const { return m_schemaType; }
+    void SetSchemaType(SchemaType value) { m_schemaType = value; }
+
+    bool GetNoOptionalAttributeDefaultOutput() const { return m_noOptionalAttributeDefaultOutput; }
+    void SetNoOptionalAttributeDefaultOutput(bool value) { m_noOptionalAttributeDefaultOutput = value; }
+    bool GetWriteDefaultElementValues() const { return m_writeDefaultElementValues; }
+    void SetWriteDefaultElementValues(bool value) { m_writeDefaultElementValues = value; }
+    bool GetStripCDATA() const { return m_stripCDATA; }
+    void SetStripCDATA(bool value) { m_stripCDATA = value; }
+
+    std::string GetIndentChars() const { return m_indentChars; }
+    // Only spaces and tabs; null empties it. Raises CMxInvalidParamException.
+    void SetIndentChars(char const *text);
+
+private:
+    std::string m_defaultNamespaceUri;
+    bool m_writeTypeAttribute;
+    CNamespaceAliasMap m_namespaceAliases;
+    std::vector<std::string> m_processingInstructions;
+    std::string m_inLineSchema;
+    bool m_ignoreInvalidCollectionCounts;
+    bool m_ignoreMissingChoice;
+    bool m_ignoreMissingMandatoryElements;
+    bool m_ignoreUnknownElements;
+    bool m_ignoreUnknownAttributes;
+    bool m_ignoreNamespaces;
+    SchemaType m_schemaType;
+    bool m_noOptionalAttributeDefaultOutput;
+    bool m_writeDefaultElementValues;
+    bool m_stripCDATA;
+    std::string m_indentChars;
+
+    static CSerializationContext m_defaultContext;
+};
+
+} // namespace MxXmlLib

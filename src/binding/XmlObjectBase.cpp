@@ -1,0 +1,211 @@
+#include "binding/XmlObjectBase.h"
+
+#include "collections/XmlCollectionBase.h"
+#include "document/XmlDocument.h"
+#include "runtime/FormatString.h"
+#include "runtime/MxException.h"
+#include "runtime/platform/Platform.h"
+
+namespace MxXmlLib
+{
+
+namespace
+{
+constexpr int kRuntimeMajor = 16;
+constexpr int kRuntimeMinor = 1;
+
+int g_generatorMajor = 0;
+int g_generatorMinor = 0;
+bool g_versionWarned = false;
+bool g_asyncToXmlFile = false;
+bool g_asyncFromXmlFile = false;
+
+bool VersionMatches()
+{
+    return g_generatorMajor == kRuntimeMajor && g_generatorMinor == kRuntimeMinor;
+}
+
+void WarnVersion()
+{
+    std::string text = FormatString("Please ensure your generated code is the same version as this library "
+                                    "(Velmar Runtime: v%d.%d, Generator: v%d.%d).",
+                                    kRuntimeMajor, kRuntimeMinor, g_generatorMajor, g_generatorMinor);
+    Platform::ShowWarning("Version Mismatch Error", text.c_str());
+}
+
+void Fire(IEventSink *sink, CXmlCollectionBase *collection, IEventSink::MsgType type, void *data)
+{
+    sink->OnEvent(collection->GetBase(), type, data);
+}
+} // namespace
+
+void Register(int major, int minor)
+{
+    g_generatorMajor = major;
+    g_generatorMinor = minor;
+}
+
+void AsyncToXmlFile(bool value)
+{
+    g_asyncToXmlFile = value;
+}
+
+void AsyncFromXmlFile(bool value)
+{
+    g_asyncFromXmlFile = value;
+}
+
+bool IsAsyncToXmlFile()
+{
+    return g_asyncToXmlFile;
+}
+
+bool IsAsyncFromXmlFile()
+{
+    return g_asyncFromXmlFile;
+}
+
+CXmlObjectBase::CXmlObjectBase() : m_refCount(0)
+{
+    // The constructor only warns, and only once a process: objects may be
+    // built before the generated code has registered its version.
+    if (!g_versionWarned)
+    {
+        g_versionWarned = true;
+        if (!VersionMatches())
+            WarnVersion();
+    }
+}
+
+CXmlObjectBase::CXmlObjectBase(CXmlObjectBase const &other)
+    : IEventSink(other), m_elementName(other.m_elementName), m_refCount(other.m_refCount.load())
+{
+}
+
+CXmlObjectBase &CXmlObjectBase::operator=(CXmlObjectBase const &other)
+{
+    m_elementName = other.m_elementName;
+    m_refCount.store(other.m_refCount.load());
+    return *this;
+}
+
+CXmlObjectBase::~CXmlObjectBase() = default;
+
+long CXmlObjectBase::AddRef()
+{
+    return ++m_refCount;
+}
+
+long CXmlObjectBase::Release()
+{
+    long const now = --m_refCount;
+    if (now == 0)
+        delete this;
+    return now;
+}
+
+void CXmlObjectBase::OnEvent(CXmlObjectBase *, IEventSink::MsgType, void *) {}
+
+void CXmlObjectBase::AttributesToXml_Int(CXmlWriter *, CSerializationContext const &) const {}
+
+void CXmlObjectBase::CheckVersion()
+{
+    if (VersionMatches())
+        return;
+    WarnVersion();
+    throw CMxException(FormatString("Wrong Version (Velmar Runtime: v%d.%d, Generator: v%d.%d)", kRuntimeMajor,
+                                    kRuntimeMinor, g_generatorMajor, g_generatorMinor));
+}
+
+void CXmlObjectBase::FromXml(wchar_t const *text, CSerializationContext const &context)
+{
+    CheckVersion();
+    CXmlDocument document(context);
+    document.LoadXml(text);
+    CXmlElement *root = document.GetDocumentElement();
+    FromXml_Int(root, root ? root->GetFirstElement() : nullptr, context, false);
+}
+
+void CXmlObjectBase::FromXml(char const *text, CSerializationContext const &context)
+{
+    CheckVersion();
+    CXmlDocument document(context);
+    document.LoadXml(text);
+    CXmlElement *root = document.GetDocumentElement();
+    FromXml_Int(root, root ? root->GetFirstElement() : nullptr, context, false);
+}
+
+void CXmlObjectBase::FromXmlElement(CXmlElement const *element, CSerializationContext const &context)
+{
+    CheckVersion();
+    // The tree's nodes are not changed by reading; the readers take them
+    // non-const only because they hand out cursors into them.
+    auto *e = const_cast<CXmlElement *>(element);
+    FromXml_Int(e, e ? e->GetFirstElement() : nullptr, context, false);
+}
+
+void CXmlObjectBase::SetElementName(char const *name)
+{
+    m_elementName = name ? name : "";
+}
+
+void CXmlObjectBase::SetElementName(CXmlObjectBase *object, char const *name)
+{
+    object->SetElementName(name);
+}
+
+void CXmlObjectBase::AttributesToXml_Int(CXmlObjectBase const *object, CXmlWriter *writer,
+                                         CSerializationContext const &context)
+{
+    object->AttributesToXml_Int(writer, context);
+}
+
+void CXmlObjectBase::ToXml_Int(CXmlObjectBase const *object, CXmlWriter *writer, bool isRoot,
+                               char const *namespaceUri, CSerializationContext const &context, bool optionalChoice)
+{
+    object->ToXml_Int(writer, isRoot, namespaceUri, context, optionalChoice);
+}
+
+CXmlElement *CXmlObjectBase::FromXml_Int(CXmlObjectBase *object, CXmlElement *element, CXmlElement *cursor,
+                                         CSerializationContext const &context)
+{
+    return object->FromXml_Int(element, cursor, context, false);
+}
+
+void CXmlObjectBase::FireOnCollectionChangeEvent(IEventSink *sink, CXmlCollectionBase *collection)
+{
+    Fire(sink, collection, IEventSink::MsgCollectionChange, nullptr);
+}
+
+void CXmlObjectBase::FireOnCollectionAddEvent(IEventSink *sink, CXmlCollectionBase *collection, void *item)
+{
+    Fire(sink, collection, IEventSink::MsgCollectionAdd, item);
+}
+
+void CXmlObjectBase::FireOnCollectionAddCompleteEvent(IEventSink *sink, CXmlCollectionBase *collection, void *item)
+{
+    Fire(sink, collection, IEventSink::MsgCollectionAddComplete, item);
+}
+
+void CXmlObjectBase::FireOnCollectionRemoveEvent(IEventSink *sink, CXmlCollectionBase *collection, int index)
+{
+    Fire(sink, collection, IEventSink::MsgCollectionRemove, index == -1 ? nullptr : &index);
+}
+
+void CXmlObjectBase::FireOnCollectionRemoveCompleteEvent(IEventSink *sink, CXmlCollectionBase *collection,
+                                                         int index)
+{
+    Fire(sink, collection, IEventSink::MsgCollectionRemoveComplete, index == -1 ? nullptr : &index);
+}
+
+bool CXmlObjectBase::DoesElementNameMatch(CSerializationContext const &context, CXmlElement const *element,
+                                          char const *name, char const *namespaceUri) const
+{
+    if (element->GetLocalName() != (name ? name : ""))
+        return false;
+    if (context.GetSchemaType() == SchemaType_NoNamespaces || context.GetIgnoreNamespacesFlag())
+        return true;
+    return element->GetNamespaceURI() == (namespaceUri ? namespaceUri : "");
+}
+
+} // namespace MxXmlLib

@@ -1,0 +1,100 @@
+#pragma once
+
+#include "binding/SerializationContext.h"
+#include "runtime/EventSink.h"
+
+#include <atomic>
+#include <string>
+
+namespace MxXmlLib
+{
+
+class CXmlElement;
+class CXmlWriter;
+class CXmlCollectionBase;
+
+// Stores the version of the code generator; generated code calls it before it
+// uses any object. Every entry point refuses to run unless it is 16.1.
+void Register(int major, int minor);
+// Process-wide switches for overlapped file output and input.
+void AsyncToXmlFile(bool value);
+void AsyncFromXmlFile(bool value);
+bool IsAsyncToXmlFile();
+bool IsAsyncFromXmlFile();
+
+// Root of every bindable object. Its public operations are frames: check the
+// generator version, parse or open the output, call the protected _Int virtual
+// once, and finish. Objects are counted; a new one has the count 0 and is
+// deleted by the Release that brings the count from 1 to 0.
+class CXmlObjectBase : public IEventSink
+{
+public:
+    CXmlObjectBase(CXmlObjectBase const &other);
+    // Copies the element name and the reference count, as stored in the source.
+    CXmlObjectBase &operator=(CXmlObjectBase const &other);
+
+    long AddRef();
+    long Release();
+    CXmlObjectBase const *GetBase() const { return const_cast<CXmlObjectBase *>(this)->GetBase(); }
+    using IEventSink::GetBase;
+
+    virtual void FromXml(wchar_t const *text,
+                         CSerializationContext const &context = CSerializationContext::GetDefaultContext());
+    virtual void FromXml(char const *text,
+                         CSerializationContext const &context = CSerializationContext::GetDefaultContext());
+    // Reads from an element of a tree that the caller keeps.
+    virtual void FromXmlElement(CXmlElement const *element,
+                                CSerializationContext const &context = CSerializationContext::GetDefaultContext());
+
+    // The namespace of this class, handed to element rows as the class namespace.
+    virtual std::string GetNamespace() const = 0;
+
+protected:
+    CXmlObjectBase();
+    void OnEvent(CXmlObjectBase *source, IEventSink::MsgType type, void *data) override;
+    virtual ~CXmlObjectBase();
+
+    // The namespace of the top-level element of an output document.
+    virtual std::string GetTargetNamespace() const = 0;
+    virtual void AttributesToXml_Int(CXmlWriter *writer, CSerializationContext const &context) const;
+    virtual void ToXml_Int(CXmlWriter *writer, bool isRoot, char const *namespaceUri,
+                           CSerializationContext const &context, bool optionalChoice) const = 0;
+    // Reads this object from `element`, starting at its child `cursor`, and
+    // returns the first child it did not take (the same pointer: none taken).
+    virtual CXmlElement *FromXml_Int(CXmlElement *element, CXmlElement *cursor,
+                                     CSerializationContext const &context, bool optionalChoice) = 0;
+
+public:
+    std::string GetElementName() const { return m_elementName; }
+    void SetElementName(char const *name);
+    static void SetElementName(CXmlObjectBase *object, char const *name);
+
+    // Let one object reach the protected virtuals of another.
+    static void AttributesToXml_Int(CXmlObjectBase const *object, CXmlWriter *writer,
+                                    CSerializationContext const &context);
+    static void ToXml_Int(CXmlObjectBase const *object, CXmlWriter *writer, bool isRoot, char const *namespaceUri,
+                          CSerializationContext const &context, bool optionalChoice);
+    static CXmlElement *FromXml_Int(CXmlObjectBase *object, CXmlElement *element, CXmlElement *cursor,
+                                    CSerializationContext const &context);
+
+    static void FireOnCollectionChangeEvent(IEventSink *sink, CXmlCollectionBase *collection);
+    static void FireOnCollectionAddEvent(IEventSink *sink, CXmlCollectionBase *collection, void *item);
+    static void FireOnCollectionAddCompleteEvent(IEventSink *sink, CXmlCollectionBase *collection, void *item);
+    static void FireOnCollectionRemoveEvent(IEventSink *sink, CXmlCollectionBase *collection, int index);
+    static void FireOnCollectionRemoveCompleteEvent(IEventSink *sink, CXmlCollectionBase *collection, int index);
+
+    // Local name must match byte for byte; the namespace too, unless the
+    // context ignores namespaces.
+    bool DoesElementNameMatch(CSerializationContext const &context, CXmlElement const *element, char const *name,
+                              char const *namespaceUri) const;
+
+protected:
+    // Raises "Wrong Version ..." (after the warning) unless the generator is 16.1.
+    static void CheckVersion();
+
+private:
+    std::string m_elementName;
+    std::atomic<long> m_refCount;
+};
+
+} // namespace MxXmlLib

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "binding/XmlObjectBase.h"
+
+namespace MxXmlLib
+{
+
+// Root of all collections of the model: repeated content of a parent element,
+// read from the parent's children and watched through listeners.
+class CXmlCollectionBase : public CXmlObjectBase
+{
+protected:
+    CXmlCollectionBase() = default;
+    CXmlCollectionBase(CXmlCollectionBase const &) = default;
+    ~CXmlCollectionBase() override = default;
+};
+
+} // namespace MxXmlLib

@@ -1,0 +1,155 @@
+#pragma once
+
+// The parsed tree through which all input reaches the object model. It keeps
+// elements, attributes and the text directly inside each element; comments,
+// processing instructions, prefixes and the position of text between child
+// elements are dropped. The tree is read once and thrown away.
+
+#include "binding/SerializationContext.h"
+#include "runtime/InstanceMonitor.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace MxXmlLib
+{
+
+class CXmlDocument;
+class CXmlElement;
+class CExpatReader;
+class CFastInfosetReader;
+
+class CXmlAttribute : public CInstanceMonitor
+{
+    friend class CXmlElement;
+    friend class CXmlDocument;
+
+public:
+    ~CXmlAttribute() override = default;
+
+    std::string const &GetLocalName() const { return m_localName; }
+    std::string const &GetNamespaceURI() const { return m_namespaceUri; }
+    std::string const &GetValue() const { return m_value; }
+    // "/a/b/p:@x": the prefix of the attribute's namespace stands before the '@'.
+    std::string GetXPath() const;
+    // xmlns, type, schemaLocation or noNamespaceSchemaLocation in the XSI or
+    // xmlns namespace: attributes that describe the document, not the data.
+    bool IsNamespaceAttribute() const;
+    bool IsNilAttribute() const;
+
+protected:
+    CXmlAttribute(CXmlElement const *element, std::string const &localName, std::string const &value,
+                  std::string const &namespaceUri);
+
+private:
+    CXmlElement const *m_element;
+    std::string m_localName;
+    std::string m_value;
+    std::string m_namespaceUri;
+};
+
+class CXmlElement : public CInstanceMonitor
+{
+    friend class CXmlDocument;
+    friend class CExpatReader;
+    friend class CFastInfosetReader;
+
+public:
+    ~CXmlElement() override;
+
+    CXmlDocument *GetDocument() const { return m_document; }
+    CXmlElement *GetParentElm() const { return m_parent; }
+    CXmlElement *GetNextSiblingElement() const { return m_nextSibling; }
+    CXmlElement *GetFirstElement() const { return m_firstChild; }
+    std::string const &GetLocalName() const { return m_localName; }
+    std::string const &GetNamespaceURI() const { return m_namespaceUri; }
+    // All character data directly inside this element, run together.
+    std::string const &GetText() const { return m_text; }
+    std::vector<CXmlAttribute *> const &GetAttributes() const { return m_attributes; }
+    // The value of the first attribute with exactly this name and namespace,
+    // or an empty string.
+    std::string const &GetAttribute(std::string const &localName, std::string const &namespaceUri) const;
+    // "/a/b[2]/c": a position is given only where siblings share the name.
+    std::string GetXPath() const;
+
+protected:
+    CXmlElement(CXmlDocument *document, CXmlElement *parent);
+
+    void AppendText(char const *text);
+    void AppendText(char const *text, int length);
+    CXmlElement *CreateNewChildElement();
+    void AddAttribute(std::string const &localName, std::string const &value, std::string const &namespaceUri);
+    void SetElementName(std::string const &localName) { m_localName = localName; }
+    void SetNamespace(std::string const &namespaceUri) { m_namespaceUri = namespaceUri; }
+    // Unlinks the last child and hands it to the caller; null without children.
+    CXmlElement *RemoveLastChildElement();
+
+private:
+    std::string GetQName() const;
+    std::string GetNameWithPredicate() const;
+
+    CXmlDocument *m_document;
+    CXmlElement *m_parent;
+    CXmlElement *m_nextSibling;
+    CXmlElement *m_firstChild;
+    CXmlElement *m_lastChild;
+    std::vector<CXmlAttribute *> m_attributes;
+    std::string m_text;
+    std::string m_localName;
+    std::string m_namespaceUri;
+};
+
+class CXmlDocument : public CInstanceMonitor
+{
+    friend class CExpatReader;
+    friend class CFastInfosetReader;
+
+public:
+    // Called as each element ends; returning true drops the element from the
+    // tree at once, so that documents too big to hold can be consumed.
+    using ElementEndFunction = bool (*)(CXmlElement *);
+
+    CXmlDocument();
+    explicit CXmlDocument(CSerializationContext const &context);
+    explicit CXmlDocument(ElementEndFunction onElementEnd);
+    CXmlDocument(ElementEndFunction onElementEnd, CSerializationContext const &context);
+    ~CXmlDocument() override;
+
+    void LoadXml(char const *text);
+    // Wide text is passed to the parser as UTF-16 behind a byte order mark.
+    void LoadXml(wchar_t const *text);
+
+    CXmlElement *GetDocumentElement() const { return m_documentElement; }
+    CSerializationContext const &GetContext() const { return m_context; }
+    std::string LookupNamespaceFromAlias(char const *prefix) const;
+    std::string LookupAliasFromNamespace(char const *uri) const;
+
+protected:
+    virtual void Cleanup();
+
+private:
+    CXmlElement *AddDocElement(char const *namespaceUri, char const *localName);
+    CXmlElement *AddChildElement(char const *namespaceUri, char const *localName);
+    void EndElement();
+    static void AddElementAttribute(CXmlElement *element, std::string const &localName, std::string const &value,
+                                    std::string const &namespaceUri);
+    static void AppendTextExcludingCR(CXmlElement *element, char const *text, unsigned long length);
+    static void AppendTextExcludingCR(CXmlElement *element, char const *text);
+    void Init();
+    void ParseText();
+    // Takes ownership of a copy of the bytes as the input buffer.
+    void SetBuffer(void const *data, unsigned long length);
+    void CleanupThis();
+
+    CXmlElement *m_documentElement;
+    std::vector<CXmlElement *> m_elementStack;
+    std::map<std::string, std::string> m_namespaceMap;
+    unsigned char *m_buffer;
+    unsigned long m_bufferLength;
+    SchemaType m_schemaType;
+    ElementEndFunction m_elementEndFunction;
+    CSerializationContext const &m_context;
+};
+
+} // namespace MxXmlLib
