@@ -1,0 +1,111 @@
+#include "runtime/StringBuffer.h"
+
+#include <cstring>
+
+namespace MxXmlLib
+{
+
+namespace
+{
+
+char const kEmptyText[1] = {'\0'};
+
+} // namespace
+
+CStringBuffer::CStringBuffer(std::uint32_t chunkSize)
+    : m_chunkSize(chunkSize ? chunkSize : 1), m_used(0), m_capacity(0), m_current(nullptr), m_length(0)
+{
+}
+
+CStringBuffer::~CStringBuffer() { FreeChunks(); }
+
+void CStringBuffer::NewChunk()
+{
+    char *chunk = new char[static_cast<std::size_t>(m_chunkSize) + 1](); // zero-filled
+    m_chunks.push_back(chunk);
+    m_chunkSizes.push_back(m_chunkSize);
+    m_current = chunk;
+    m_capacity = m_chunkSize;
+    m_used = 0;
+}
+
+void CStringBuffer::Append(char const *text)
+{
+    if (text == nullptr)
+        return;
+    std::size_t remaining = std::strlen(text);
+    m_length += static_cast<std::uint32_t>(remaining);
+    while (remaining > 0)
+    {
+        if (m_capacity == m_used)
+        {
+            NewChunk();
+            continue;
+        }
+        std::size_t n = m_capacity - m_used;
+        if (n > remaining)
+            n = remaining;
+        std::memcpy(m_current + m_used, text, n);
+        m_used += static_cast<std::uint32_t>(n); // <= m_capacity
+        text += n;
+        remaining -= n;
+    }
+}
+
+char const *CStringBuffer::GetText()
+{
+    if (m_chunks.empty())
+        return kEmptyText;
+    if (m_chunks.size() == 1)
+        return m_current;
+    char *joined = new char[static_cast<std::size_t>(m_length) + 1];
+    char *out = joined;
+    std::size_t const last = m_chunks.size() - 1;
+    for (std::size_t i = 0; i < m_chunks.size(); ++i)
+    {
+        std::size_t n = i == last ? m_used : m_chunkSizes[i];
+        std::memcpy(out, m_chunks[i], n);
+        out += n;
+    }
+    *out = '\0';
+    FreeChunks();
+    m_chunks.push_back(joined);
+    m_chunkSizes.push_back(m_length);
+    m_current = joined;
+    m_capacity = m_length;
+    m_used = m_length;
+    return joined;
+}
+
+void CStringBuffer::Clear()
+{
+    if (m_chunks.size() == 1)
+    {
+        // A flushing file stream clears after every piece; keeping the chunk
+        // spares an allocation each time.
+        std::memset(m_current, 0, static_cast<std::size_t>(m_capacity) + 1);
+        m_used = 0;
+        m_length = 0;
+        return;
+    }
+    Empty();
+}
+
+void CStringBuffer::Empty()
+{
+    FreeChunks();
+    m_used = 0;
+    m_capacity = 0;
+    m_current = nullptr;
+    m_length = 0;
+}
+
+void CStringBuffer::FreeChunks()
+{
+    for (char *chunk : m_chunks)
+        delete[] chunk;
+    m_chunks.clear();
+    m_chunkSizes.clear();
+}
+
+} // namespace MxXmlLib

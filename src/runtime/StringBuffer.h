@@ -1,0 +1,59 @@
+#pragma once
+
+#include "runtime/InstanceMonitor.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace MxXmlLib
+{
+
+// Text gathered in chunks of ChunkSize usable bytes, so that nothing is moved
+// while it is being built. Invariants: every chunk has one zero byte beyond its
+// capacity and is zero-filled past Used, so the last chunk is always a
+// terminated C string; all chunks but the last are full.
+class CStringBuffer : public CInstanceMonitor
+{
+public:
+    explicit CStringBuffer(std::uint32_t chunkSize = 4095);
+    CStringBuffer(CStringBuffer const &) = delete;
+    CStringBuffer &operator=(CStringBuffer const &) = delete;
+    ~CStringBuffer() override;
+
+    // Appends up to the first NUL of `text`; a null text adds nothing.
+    void Append(char const *text);
+    void AppendChar(char c)
+    {
+        if (m_capacity == m_used)
+            NewChunk();
+        m_current[m_used++] = c;
+        ++m_length;
+    }
+
+    // The whole text, joined into one chunk when there are several. Owned by
+    // the buffer and valid until its next change.
+    char const *GetText();
+    // Keeps a single chunk, zero-filled, for the next piece; else as Empty.
+    void Clear();
+    // Frees every chunk.
+    void Empty();
+
+    // Bytes appended since the last clearing.
+    std::uint32_t GetLength() const { return m_length; }
+    std::uint32_t GetChunkCount() const { return static_cast<std::uint32_t>(m_chunks.size()); }
+    std::uint32_t GetCapacity() const { return m_capacity; }
+
+private:
+    void NewChunk();
+    void FreeChunks();
+
+    std::vector<char *> m_chunks;
+    std::vector<std::uint32_t> m_chunkSizes;
+    std::uint32_t m_chunkSize;
+    std::uint32_t m_used;
+    std::uint32_t m_capacity;
+    char *m_current;
+    std::uint32_t m_length;
+};
+
+} // namespace MxXmlLib

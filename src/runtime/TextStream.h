@@ -1,0 +1,41 @@
+#pragma once
+
+#include "runtime/InstanceMonitor.h"
+#include "runtime/StringBuffer.h"
+
+#include <cstdint>
+
+namespace MxXmlLib
+{
+
+// The sink of all text output: text gathers in memory until the end. The
+// writers flush it whenever GetLength() reaches 4096; a memory stream ignores
+// that, and the file stream derived from it writes the piece out.
+class CTextStream : private CInstanceMonitor
+{
+public:
+    // `encoding` is an XmlEncoding number: what the bytes of the text become
+    // on the way out (0 keeps the local encoding).
+    explicit CTextStream(int encoding = 0);
+    ~CTextStream() override;
+
+    virtual void Start();
+    virtual void End();
+    virtual void Flush();
+
+    // The writers' hot path: inline, no call through the interface.
+    void Put(char c) { m_buffer.AppendChar(c); }
+    void Write(char const *text) { m_buffer.Append(text); }
+    // The text so far, owned by the stream and valid until its next change.
+    char const *Text() { return m_buffer.GetText(); }
+
+    // Characters since the last clearing of the buffer.
+    std::uint32_t GetLength() const { return m_buffer.GetLength(); }
+    int GetEncoding() const { return m_encoding; }
+
+protected:
+    CStringBuffer m_buffer;
+    std::int32_t m_encoding;
+};
+
+} // namespace MxXmlLib
