@@ -2,6 +2,8 @@
 
 #include "collections/XmlCollectionBase.h"
 #include "document/XmlDocument.h"
+#include "document/XmlTextWriter.h"
+#include "runtime/TextStream.h"
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
 #include "runtime/platform/Platform.h"
@@ -115,6 +117,27 @@ void CXmlObjectBase::CheckVersion()
     WarnVersion();
     throw CMxException(FormatString("Wrong Version (Velmar Runtime: v%d.%d, Generator: v%d.%d)", kRuntimeMajor,
                                     kRuntimeMinor, g_generatorMajor, g_generatorMinor));
+}
+
+std::string CXmlObjectBase::ToXml(bool includeDocHeader, bool formatted, EOLType eolType,
+                                  CSerializationContext const &context) const
+{
+    CheckVersion();
+    CTextStream stream(XmlEncoding_None);
+    CXmlTextWriter writer(&stream);
+    stream.Start();
+    writer.SetFormatted(formatted);
+    writer.SetIndent(context.GetIndentChars());
+    writer.SetEolType(eolType);
+    writer.SetWriteDefaultValues(context.GetWriteDefaultElementValues());
+    if (includeDocHeader)
+        writer.WriteXmlDeclaration();
+    std::string const targetNamespace = GetTargetNamespace();
+    ToXml_Int(&writer, true, targetNamespace.c_str(), context, false);
+    stream.End();
+    if (writer.GetCurrentContext())
+        throw CMxException("An Element has not been closed.");
+    return stream.Text();
 }
 
 void CXmlObjectBase::FromXml(wchar_t const *text, CSerializationContext const &context)

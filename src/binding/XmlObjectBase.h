@@ -38,6 +38,11 @@ public:
     CXmlObjectBase const *GetBase() const { return const_cast<CXmlObjectBase *>(this)->GetBase(); }
     using IEventSink::GetBase;
 
+    // The object as XML text in the local encoding; a declaration names no
+    // encoding.
+    virtual std::string ToXml(bool includeDocHeader = true, bool formatted = true, EOLType eolType = LF,
+                              CSerializationContext const &context = CSerializationContext::GetDefaultContext()) const;
+
     virtual void FromXml(wchar_t const *text,
                          CSerializationContext const &context = CSerializationContext::GetDefaultContext());
     virtual void FromXml(char const *text,

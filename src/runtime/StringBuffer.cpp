@@ -33,7 +33,11 @@ void CStringBuffer::Append(char const *text)
 {
     if (text == nullptr)
         return;
-    std::size_t remaining = std::strlen(text);
+    Append(text, std::strlen(text));
+}
+
+void CStringBuffer::Append(char const *text, std::size_t remaining)
+{
     m_length += static_cast<std::uint32_t>(remaining);
     while (remaining > 0)
     {

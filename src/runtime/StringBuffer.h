@@ -2,6 +2,7 @@
 
 #include "runtime/InstanceMonitor.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -22,6 +23,8 @@ public:
 
     // Appends up to the first NUL of `text`; a null text adds nothing.
     void Append(char const *text);
+    // Appends exactly `length` bytes.
+    void Append(char const *text, std::size_t length);
     void AppendChar(char c)
     {
         if (m_capacity == m_used)

@@ -26,6 +26,7 @@ public:
     // The writers' hot path: inline, no call through the interface.
     void Put(char c) { m_buffer.AppendChar(c); }
     void Write(char const *text) { m_buffer.Append(text); }
+    void Write(char const *text, std::size_t length) { m_buffer.Append(text, length); }
     // The text so far, owned by the stream and valid until its next change.
     char const *Text() { return m_buffer.GetText(); }
 
