@@ -414,6 +414,15 @@ bool EqualsIgnoringCase(std::string const &text, char const *word)
     return *p == '\0' && *word == '\0';
 }
 
+// The parse of the text after `rule`. Rule 0 would give a copy of the text;
+// the parse reads the text itself instead.
+template <typename F> auto AfterRule(CWhitespaceUtils::WhitespaceRule rule, std::string const &text, F parse)
+{
+    if (rule == CWhitespaceUtils::WhitespaceRule::None)
+        return parse(text);
+    return parse(CWhitespaceUtils::ApplyRule(rule, text));
+}
+
 } // namespace
 
 // ---------------------------------------------------------------------------
@@ -474,12 +483,12 @@ std::int16_t CConversions::i2FromString(std::string const &text, WhitespaceRule 
 
 std::int32_t CConversions::i4FromString(std::string const &text, WhitespaceRule rule)
 {
-    return static_cast<std::int32_t>(ParseInteger(CWhitespaceUtils::ApplyRule(rule, text), kI4));
+    return static_cast<std::int32_t>(AfterRule(rule, text, [](std::string const &t) { return ParseInteger(t, kI4); }));
 }
 
 std::int64_t CConversions::i8FromString(std::string const &text, WhitespaceRule rule)
 {
-    return static_cast<std::int64_t>(ParseInteger(CWhitespaceUtils::ApplyRule(rule, text), kI8));
+    return static_cast<std::int64_t>(AfterRule(rule, text, [](std::string const &t) { return ParseInteger(t, kI8); }));
 }
 
 std::uint8_t CConversions::ui1FromString(std::string const &text, WhitespaceRule rule)
@@ -500,22 +509,22 @@ std::uint16_t CConversions::ui2FromString(std::string const &text, WhitespaceRul
 
 std::uint32_t CConversions::ui4FromString(std::string const &text, WhitespaceRule rule)
 {
-    return static_cast<std::uint32_t>(ParseInteger(CWhitespaceUtils::ApplyRule(rule, text), kUI4));
+    return static_cast<std::uint32_t>(AfterRule(rule, text, [](std::string const &t) { return ParseInteger(t, kUI4); }));
 }
 
 std::uint64_t CConversions::ui8FromString(std::string const &text, WhitespaceRule rule)
 {
-    return ParseInteger(CWhitespaceUtils::ApplyRule(rule, text), kUI8);
+    return AfterRule(rule, text, [](std::string const &t) { return ParseInteger(t, kUI8); });
 }
 
 float CConversions::r4FromString(std::string const &text, WhitespaceRule rule)
 {
-    return NarrowToFloat(ParseFloatText(CWhitespaceUtils::ApplyRule(rule, text), "r4"));
+    return NarrowToFloat(AfterRule(rule, text, [](std::string const &t) { return ParseFloatText(t, "r4"); }));
 }
 
 double CConversions::r8FromString(std::string const &text, WhitespaceRule rule)
 {
-    return ParseFloatText(CWhitespaceUtils::ApplyRule(rule, text), "r8");
+    return AfterRule(rule, text, [](std::string const &t) { return ParseFloatText(t, "r8"); });
 }
 
 char CConversions::charFromString(std::string const &text, WhitespaceRule rule)
