@@ -23,3 +23,8 @@
 #include "values/PrimitiveRestrictions.h"
 #include "values/Variant.h"
 #include "values/WhitespaceUtils.h"
+#include "binding/XmlGeneratedClass.h"
+#include "metadata/AttributeInfo.h"
+#include "metadata/ClassFactory.h"
+#include "metadata/ElementInfo.h"
+#include "values/FacetCheck.h"

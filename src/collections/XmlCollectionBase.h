@@ -9,6 +9,9 @@ namespace MxXmlLib
 // read from the parent's children and watched through listeners.
 class CXmlCollectionBase : public CXmlObjectBase
 {
+public:
+    virtual int GetCount() const { return 0; }
+
 protected:
     CXmlCollectionBase() = default;
     CXmlCollectionBase(CXmlCollectionBase const &) = default;

@@ -1,0 +1,177 @@
+#include "metadata/AttributeInfo.h"
+
+#include "binding/XmlGeneratedClass.h"
+#include "document/XmlDocument.h"
+#include "document/XmlWriter.h"
+#include "runtime/FormatString.h"
+#include "runtime/MxException.h"
+#include "values/FacetCheck.h"
+
+namespace MxXmlLibData
+{
+
+using namespace MxXmlLib;
+
+namespace
+{
+std::string Text(char const *s)
+{
+    return s ? std::string(s) : std::string();
+}
+} // namespace
+
+// ---------------------------------------------------------------------------
+// CAttributeInfo
+
+CAttributeInfo::CAttributeInfo(char const *name, char const *attributeNamespace, int propertyIndex, bool optional,
+                               char const *defaultValue)
+    : m_attributeName(Text(name)), m_attributeNamespace(Text(attributeNamespace)), m_propertyIndex(propertyIndex),
+      m_optional(optional), m_defaultValue(Text(defaultValue))
+{
+}
+
+void CAttributeInfo::InvokePropertyGet(CXmlGeneratedClass *object, MxVariant &value) const
+{
+    try
+    {
+        object->AccessProperty(m_propertyIndex, true, value);
+    }
+    catch (CMxException const &e)
+    {
+        throw CMxValidationException(
+            FormatString("Failed to get the property value for [%s].", m_attributeName.c_str()), "", e);
+    }
+}
+
+void CAttributeInfo::ReadProperty(CXmlGeneratedClass const *object, MxVariant &value) const
+{
+    InvokePropertyGet(const_cast<CXmlGeneratedClass *>(object), value);
+}
+
+void CAttributeInfo::InvokePropertySet(CXmlGeneratedClass *object, MxVariant &value,
+                                       CXmlAttribute const &attribute) const
+{
+    try
+    {
+        object->AccessProperty(m_propertyIndex, false, value);
+    }
+    catch (CMxException const &e)
+    {
+        throw CMxValidationException(
+            FormatString("Failed to set the property value [%s].", attribute.GetValue().c_str()),
+            attribute.GetXPath(), e);
+    }
+}
+
+bool CAttributeInfo::IsThisAttribute(CSerializationContext const &context, CXmlAttribute *attribute) const
+{
+    if (attribute == nullptr || attribute->GetLocalName() != m_attributeName)
+        return false;
+    return context.GetIgnoreNamespaces() || attribute->GetNamespaceURI() == m_attributeNamespace;
+}
+
+bool CAttributeInfo::IsSuppressedDefault(CSerializationContext const &context, std::string const &text) const
+{
+    return m_optional && !m_defaultValue.empty() && context.GetNoOptionalAttributeDefaultOutput() &&
+           text == m_defaultValue;
+}
+
+std::string CAttributeInfo::GetTargetNamespace(CXmlObjectBase const *object)
+{
+    return CXmlObjectBase::GetTargetNamespace(object);
+}
+
+void CAttributeInfo::ToXml_Int(CXmlObjectBase const *object, CXmlWriter *writer, bool isRoot,
+                               char const *namespaceUri, CSerializationContext const &context)
+{
+    CXmlObjectBase::ToXml_Int(object, writer, isRoot, namespaceUri, context, false);
+}
+
+// ---------------------------------------------------------------------------
+// CAttributeInfoEnum
+
+CAttributeInfoEnum::CAttributeInfoEnum(char const *name, char const *attributeNamespace, int propertyIndex,
+                                       bool optional, char const *(*enumToString)(int),
+                                       int (*stringToEnum)(char const *), char const *defaultValue)
+    : CAttributeInfo(name, attributeNamespace, propertyIndex, optional, defaultValue), m_stringToEnum(stringToEnum),
+      m_enumToString(enumToString)
+{
+}
+
+void CAttributeInfoEnum::AttributeToXml(CSerializationContext const &context, CXmlGeneratedClass const *object,
+                                        CXmlWriter *writer) const
+{
+    MxVariant value;
+    ReadProperty(object, value);
+    if (m_optional && value.GetTypeAsEnum() == ItemType_None && !value.IsNil())
+        return;
+    std::string const text = Text(m_enumToString ? m_enumToString(value.GetI4()) : nullptr);
+    if (IsSuppressedDefault(context, text))
+        return;
+    writer->WriteAttribute(m_attributeName, m_attributeNamespace, text, ItemType_string);
+}
+
+bool CAttributeInfoEnum::AttributeFromXml(CSerializationContext const &context, CXmlGeneratedClass *object,
+                                          CXmlAttribute *attribute)
+{
+    if (!IsThisAttribute(context, attribute))
+        return false;
+    MxVariant value;
+    value.SetI4(m_stringToEnum ? m_stringToEnum(attribute->GetValue().c_str()) : 0);
+    InvokePropertySet(object, value, *attribute);
+    return true;
+}
+
+void CAttributeInfoEnum::Validate(CSerializationContext const &, bool found) const
+{
+    if (!m_optional && !found)
+        throw CMxValidationException(
+            FormatString("Failed to find the required Attribute [%s].", m_attributeName.c_str()), "");
+}
+
+// ---------------------------------------------------------------------------
+// CAttributeInfoPrimitive
+
+CAttributeInfoPrimitive::CAttributeInfoPrimitive(char const *name, char const *attributeNamespace,
+                                                 int propertyIndex, bool optional, ItemType itemType,
+                                                 char const *format, CWhitespaceUtils::WhitespaceRule whitespaceRule,
+                                                 CPrimitiveRestrictions const &restrictions, char const *defaultValue)
+    : CAttributeInfoEnum(name, attributeNamespace, propertyIndex, optional, nullptr, nullptr, defaultValue),
+      m_restrictions(restrictions), m_itemType(itemType), m_format(Text(format)), m_whitespaceRule(whitespaceRule)
+{
+}
+
+void CAttributeInfoPrimitive::CheckRestriction(MxVariant value) const
+{
+    CheckPrimitiveFacets(m_attributeName.c_str(), value, m_itemType, m_restrictions);
+}
+
+void CAttributeInfoPrimitive::AttributeToXml(CSerializationContext const &context,
+                                             CXmlGeneratedClass const *object, CXmlWriter *writer) const
+{
+    MxVariant value;
+    ReadProperty(object, value);
+    if (m_optional && value.GetTypeAsEnum() == ItemType_None && !value.IsNil())
+        return;
+    std::string const text = value.ToString(m_format.c_str());
+    if (IsSuppressedDefault(context, text))
+        return;
+    CheckRestriction(value);
+    writer->WriteAttribute(m_attributeName, m_attributeNamespace, text, value.GetTypeAsEnum());
+}
+
+bool CAttributeInfoPrimitive::AttributeFromXml(CSerializationContext const &, CXmlGeneratedClass *object,
+                                               CXmlAttribute *attribute)
+{
+    // Exact names only: this row does not follow the context's choice to
+    // ignore namespaces.
+    if (attribute == nullptr || attribute->GetLocalName() != m_attributeName ||
+        attribute->GetNamespaceURI() != m_attributeNamespace)
+        return false;
+    MxVariant value;
+    value.FromString(attribute->GetValue(), m_itemType, m_whitespaceRule);
+    InvokePropertySet(object, value, *attribute);
+    return true;
+}
+
+} // namespace MxXmlLibData
