@@ -122,24 +122,30 @@ def exact_text(value):
     return text_of(I, F, fd, value < 0)
 
 
-def product_text(a, b):
+def product_parts(a, b):
     p = a * b
     fd = 1
     while (p * 10**fd).denominator != 1:
         fd += 1
     I, F = split(p, fd)
-    I, F, fd = cap(*rationalise(I, F, fd))
-    return text_of(I, F, fd, p < 0)
+    return cap(*rationalise(I, F, fd)) + (p < 0,)
 
 
-def quotient_text(a, b):
+def product_text(a, b):
+    return text_of(*product_parts(a, b))
+
+
+def quotient_parts(a, b):
     guarded = MAX_PLACES + 2
     S = 10**guarded
     q = a * S / b
     q = trunc_div(q.numerator, q.denominator)
     I, F = trunc_div(q, S), trunc_rem(q, S)
-    I, F, fd = cap(*rationalise(I, F, guarded))
-    return text_of(I, F, fd, q < 0)
+    return cap(*rationalise(I, F, guarded)) + (q < 0,)
+
+
+def quotient_text(a, b):
+    return text_of(*quotient_parts(a, b))
 
 
 def places_text(value, places):
@@ -219,9 +225,11 @@ def write_decimal(path, count):
                     v = -v
                 if negative_exp:
                     # division by 10^e: truncated to two guard digits, then rounded
-                    expected = quotient_text(v * 10**e, Fraction(10**e))
+                    I, F, fd, negative = quotient_parts(v * 10**e, Fraction(10**e))
                 else:
-                    expected = product_text(v, Fraction(1))
+                    I, F, fd, negative = product_parts(v, Fraction(1))
+                # the parser drops the zeros that rounding left at the end
+                expected = text_of(*rationalise(I, F, fd), negative)
             else:
                 fd = 1
                 while (v * 10**fd).denominator != 1:
