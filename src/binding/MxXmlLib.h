@@ -28,3 +28,8 @@
 #include "metadata/ClassFactory.h"
 #include "metadata/ElementInfo.h"
 #include "values/FacetCheck.h"
+#include "values/Base64.h"
+#include "values/BigInteger.h"
+#include "values/BinaryData.h"
+#include "values/Decimal.h"
+#include "values/XsdPattern.h"
