@@ -137,7 +137,7 @@ std::string CXmlObjectBase::ToXml(bool includeDocHeader, bool formatted, EOLType
     stream.End();
     if (writer.GetCurrentContext())
         throw CMxException("An Element has not been closed.");
-    return stream.Text();
+    return stream.TextAsString();
 }
 
 void CXmlObjectBase::FromXml(wchar_t const *text, CSerializationContext const &context)
