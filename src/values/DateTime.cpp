@@ -3,8 +3,10 @@
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
 #include "runtime/platform/Platform.h"
+#include "values/DateTimeCalendar.h"
 #include "values/DateTimeText.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -133,6 +135,122 @@ int DaysInMonthOf(long long m, short y)
 }
 
 } // namespace
+
+namespace DateTimeCalendar
+{
+
+namespace
+{
+
+// One month-crossing step of the walk, or the last step; returns the days left.
+long long Step(DayWalk &w, long long d)
+{
+    if (d < 0)
+    {
+        if (w.day - 1 < -d)
+        {
+            --w.month;
+            d += w.day;
+            w.day = DaysInMonthOf(w.month, w.year);
+        }
+        else
+        {
+            w.day += d;
+            d = 0;
+        }
+    }
+    else
+    {
+        long long const dim = DaysInMonthOf(w.month, w.year);
+        if (w.day + d > dim)
+        {
+            d = d - 1 + w.day - dim;
+            w.day = 1;
+            ++w.month;
+        }
+        else
+        {
+            w.day += d;
+            d = 0;
+        }
+    }
+    if (w.month == 0)
+    {
+        w.month = 12;
+        w.year = static_cast<short>(w.year - 1);
+    }
+    else if (w.month == 13)
+    {
+        w.month = 1;
+        w.year = static_cast<short>(w.year + 1);
+    }
+    return d;
+}
+
+// Skips what Step would repeat. At day 1 going forward (or the last day of
+// the month going back) with at least a month's days left, 4800 steps over
+// months in [1, 12] take 146097 days and 400 years, as long as the 16-bit
+// year does not wrap (its leap rule is periodic only without the wrap).
+// Months outside [1, 12] keep the year until they reach 0 or 13, so 12 steps
+// take one year's days.
+long long Skip(DayWalk &w, long long d)
+{
+    constexpr long long kMargin = 31; // every skipped step crosses a month
+    constexpr long long kCycleDays = 146097;
+    bool const inRange = w.month >= 1 && w.month <= 12;
+    long long const yearDays = IsLeap(w.year) ? 366 : 365;
+    if (d > kMargin && w.day == 1)
+    {
+        if (inRange)
+        {
+            long long const k = std::min((d - kMargin) / kCycleDays, (32767 - static_cast<long long>(w.year)) / 400);
+            d -= k * kCycleDays;
+            w.year = static_cast<short>(w.year + 400 * k);
+        }
+        else if (w.month >= 14 || w.month <= -13)
+        {
+            long long k = (d - kMargin) / yearDays;
+            if (w.month < 0)
+                k = std::min(k, (-1 - w.month) / 12); // stop short of 0
+            d -= k * yearDays;
+            w.month += 12 * k;
+        }
+    }
+    else if (d < -kMargin && w.day == DaysInMonthOf(w.month, w.year))
+    {
+        if (inRange)
+        {
+            long long const k = std::min((-d - kMargin) / kCycleDays, (static_cast<long long>(w.year) + 32768) / 400);
+            d += k * kCycleDays;
+            w.year = static_cast<short>(w.year - 400 * k);
+        }
+        else if (w.month >= 26 || w.month <= -1)
+        {
+            long long k = (-d - kMargin) / yearDays;
+            if (w.month > 0)
+                k = std::min(k, (w.month - 14) / 12); // stop short of 13
+            d += k * yearDays;
+            w.month -= 12 * k;
+        }
+    }
+    return d;
+}
+
+} // namespace
+
+void WalkByMonths(DayWalk &walk, long long days)
+{
+    while (days != 0)
+        days = Step(walk, days);
+}
+
+void Walk(DayWalk &walk, long long days)
+{
+    while (days != 0)
+        days = Step(walk, Skip(walk, days));
+}
+
+} // namespace DateTimeCalendar
 
 char const CDateTime::EmptyFormat[] = "";
 
@@ -1079,52 +1197,11 @@ void CDateTime::AddDateTimeSpan(CDateTimeSpan const &span)
         static_cast<std::uint32_t>(static_cast<unsigned long long>(WrapAdd(Signed(sign, span.GetDays()), carry))));
     if (d == 0)
         return;
-    long long mo = month;
-    long long dd = day;
-    while (d != 0)
-    {
-        if (d < 0)
-        {
-            if (dd - 1 < -d)
-            {
-                --mo;
-                d += dd;
-                dd = DaysInMonthOf(mo, year);
-            }
-            else
-            {
-                dd += d;
-                d = 0;
-            }
-        }
-        else
-        {
-            long long const dim = DaysInMonthOf(mo, year);
-            if (dd + d > dim)
-            {
-                d = d - 1 + dd - dim;
-                dd = 1;
-                ++mo;
-            }
-            else
-            {
-                dd += d;
-                d = 0;
-            }
-        }
-        if (mo == 0)
-        {
-            mo = 12;
-            year = static_cast<short>(year - 1);
-        }
-        else if (mo == 13)
-        {
-            mo = 1;
-            year = static_cast<short>(year + 1);
-        }
-    }
-    month = static_cast<unsigned char>(mo);
-    day = static_cast<unsigned char>(dd);
+    DateTimeCalendar::DayWalk walk{month, day, year};
+    DateTimeCalendar::Walk(walk, d);
+    year = walk.year;
+    month = static_cast<unsigned char>(walk.month);
+    day = static_cast<unsigned char>(walk.day);
 }
 
 CDateTime CDateTime::GetNormalized() const

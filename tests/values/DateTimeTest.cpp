@@ -1,4 +1,5 @@
 #include "values/DateTime.h"
+#include "values/DateTimeCalendar.h"
 #include "values/DateTimeSpan.h"
 
 #include "runtime/MxException.h"
@@ -8,6 +9,7 @@
 #include <cstring>
 #include <fstream>
 #include <functional>
+#include <random>
 #include <sstream>
 #include <string>
 
@@ -669,6 +671,47 @@ TEST(DateTimeArithmetic, AddsFieldByFieldWithoutPinningTheDay)
     // A zero span still moves a gYear: its month of 0 borrows a year.
     EXPECT_EQ("1999", (Parse(kDate, "2000") + CDateTimeSpan()).ToString());
     EXPECT_EQ("P", (CDateTime(2000, 1, 1) - CDateTime(1990, 1, 1)).ToString());
+}
+
+// The walk that skips whole cycles must land where the month-by-month walk
+// does, across the 16-bit year wrap and for months outside [1, 12].
+TEST(DateTimeArithmetic, FastDayWalkEqualsMonthByMonthWalk)
+{
+    std::mt19937_64 rng(7);
+    auto pick = [&](long long lo, long long hi) { return std::uniform_int_distribution<long long>(lo, hi)(rng); };
+    for (int i = 0; i < 300; ++i)
+    {
+        DateTimeCalendar::DayWalk start{};
+        switch (i % 4)
+        {
+        case 0: start.month = pick(1, 12); break;
+        case 1: start.month = pick(-300, 300); break;
+        default: start.month = pick(0, 13); break;
+        }
+        start.day = pick(0, i % 5 == 0 ? 255 : 31);
+        start.year = static_cast<short>(i % 3 == 0 ? pick(-32768, 32767) : pick(32000, 32767) * (i % 2 ? 1 : -1));
+        long long const days = pick(-2000000, 2000000);
+        SCOPED_TRACE(std::to_string(start.year) + "/" + std::to_string(start.month) + "/" +
+                     std::to_string(start.day) + " + " + std::to_string(days));
+        DateTimeCalendar::DayWalk slow = start, fast = start;
+        DateTimeCalendar::WalkByMonths(slow, days);
+        DateTimeCalendar::Walk(fast, days);
+        ASSERT_EQ(slow.year, fast.year);
+        ASSERT_EQ(slow.month, fast.month);
+        ASSERT_EQ(slow.day, fast.day);
+    }
+    // The largest day counts a span can give finish at once.
+    CDateTime v = Parse(kDate, "2000-01-01");
+    CDateTimeSpan big;
+    big.ParseXSDDuration("P2147483647D");
+    DateTimeCalendar::DayWalk slow{1, 1, 2000};
+    DateTimeCalendar::WalkByMonths(slow, 2147483647LL); // 5.9 million years: the year wraps 89 times
+    CDateTime expected = v;
+    expected.SetYear(slow.year);
+    expected.SetMonth(static_cast<unsigned char>(slow.month));
+    expected.SetDay(static_cast<unsigned char>(slow.day));
+    EXPECT_EQ(expected.ToString(), (v + big).ToString());
+    EXPECT_EQ(v.ToString(), (v + big - big).ToString());
 }
 
 TEST(DateTimeCompare, FieldsZonesAndIndeterminacy)
