@@ -13,27 +13,25 @@ namespace
 char const kXsiNamespace[] = "http://www.w3.org/2001/XMLSchema-instance";
 char const kXmlNamespace[] = "http://www.w3.org/XML/1998/namespace";
 constexpr std::uint32_t kFlushThreshold = 4096;
+
+// Bytes that WriteEscaped must look at: the end, line ends, and markup.
+struct SpecialBytes
+{
+    bool table[256] = {};
+    constexpr SpecialBytes()
+    {
+        for (unsigned char c : {'\0', '\n', '\r', '"', '&', '<', '>'})
+            table[c] = true;
+    }
+    constexpr bool operator[](unsigned char c) const { return table[c]; }
+};
+constexpr SpecialBytes kSpecial;
 } // namespace
 
 CXmlTextWriter::CXmlTextWriter(CTextStream *stream)
     : m_writeDefaultValues(false), m_indent("\t"), m_endOfLine("\n"), m_eolType(LF), m_formatted(true),
       m_stream(stream)
 {
-}
-
-void CXmlTextWriter::Put(char c)
-{
-    m_stream->Put(c);
-}
-
-void CXmlTextWriter::Write(std::string const &text)
-{
-    m_stream->Write(text.data(), text.size());
-}
-
-void CXmlTextWriter::Write(char const *text, std::size_t length)
-{
-    m_stream->Write(text, length);
 }
 
 void CXmlTextWriter::WriteIndent(std::int32_t depth)
@@ -203,8 +201,7 @@ void CXmlTextWriter::StartElement(std::string const &localName, std::string cons
     }
     catch (...)
     {
-        context->DetachParent();
-        delete context;
+        ReleaseContext(context);
         throw;
     }
     SetCurrentContext(context);
@@ -329,7 +326,7 @@ void CXmlTextWriter::WriteEscaped(char const *text, bool isAttribute)
     {
         char const c = *p;
         // Most bytes need nothing: scan them as one run.
-        if (c != '\0' && c != '\n' && c != '\r' && c != '"' && c != '&' && c != '<' && c != '>')
+        if (!kSpecial[static_cast<unsigned char>(c)])
             continue;
         flush();
         run = p + 1;

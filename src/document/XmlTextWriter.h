@@ -2,11 +2,10 @@
 
 #include "binding/SerializationContext.h"
 #include "document/XmlWriter.h"
+#include "runtime/TextStream.h"
 
 namespace MxXmlLib
 {
-
-class CTextStream;
 
 // Writes XML text to a stream that it borrows. Namespaces get generated
 // prefixes (AA, AB, ...) where none is mapped; formatted output puts each
@@ -49,9 +48,9 @@ public:
     void CloseStartTag();
 
 private:
-    void Put(char c);
-    void Write(std::string const &text);
-    void Write(char const *text, std::size_t length);
+    void Put(char c) { m_stream->Put(c); }
+    void Write(std::string const &text) { m_stream->Write(text.data(), text.size()); }
+    void Write(char const *text, std::size_t length) { m_stream->Write(text, length); }
     void WriteIndent(std::int32_t depth);
     void WriteDeclaration(std::string const &prefix, std::string const &uri);
     void FlushCheck();

@@ -7,52 +7,49 @@ namespace MxXmlLib
 
 using Context = CXmlWriter::CXmlWriterContext;
 
-Context::CXmlWriterContext(std::string const &localName, std::string const &namespaceUri,
-                           std::string const &defaultNamespace, NamespaceMap const &map)
-    : NamespaceUri(namespaceUri), LocalName(localName), m_parent(nullptr), m_defaultNamespace(defaultNamespace),
-      m_map(new NamespaceMap(map)), m_inherits(false), m_ownsMap(true)
+void Context::InitCommon(std::string const &localName, std::string const &namespaceUri)
 {
+    ChildCount = 0;
+    TagOpen = 1;
+    ArrayState = 0;
+    HasAttributes = 0;
+    LocalName = localName;
+    NamespaceUri = namespaceUri;
+    m_declared.clear();
 }
 
-Context::CXmlWriterContext(std::string const &localName, std::string const &namespaceUri, Context *parent)
-    : Depth(parent->Depth + 1), NamespaceUri(namespaceUri), LocalName(localName), m_parent(parent),
-      m_map(parent->m_map), m_inherits(true), m_ownsMap(false)
+void Context::InitRoot(std::string const &localName, std::string const &namespaceUri,
+                       std::string const &defaultNamespace, NamespaceMap const &map)
 {
+    InitCommon(localName, namespaceUri);
+    Depth = 0;
+    m_parent = nullptr;
+    m_scope = this;
+    m_outerScope = nullptr;
+    m_inherits = false;
+    m_defaultNamespace = defaultNamespace;
+    m_declared.assign(map.begin(), map.end());
 }
 
-Context::~CXmlWriterContext()
+void Context::InitChild(std::string const &localName, std::string const &namespaceUri, Context *parent)
 {
-    if (m_ownsMap)
-        delete m_map;
-    // The chain of open elements dies with its innermost context; walk it
-    // instead of recursing through deep documents.
-    Context *ancestor = m_parent;
-    while (ancestor)
-    {
-        Context *next = ancestor->m_parent;
-        ancestor->m_parent = nullptr;
-        delete ancestor;
-        ancestor = next;
-    }
-}
-
-std::string const &Context::GetEffectiveDefaultNamespace() const
-{
-    Context const *c = this;
-    while (c->m_inherits && c->m_parent)
-        c = c->m_parent;
-    return c->m_defaultNamespace;
+    InitCommon(localName, namespaceUri);
+    Depth = parent->Depth + 1;
+    m_parent = parent;
+    m_scope = parent->m_scope;
+    m_outerScope = nullptr;
+    m_inherits = true;
+    m_defaultNamespace.clear();
 }
 
 void Context::MakeScopeOwn()
 {
     if (!m_inherits)
         return;
-    std::string const &inherited = GetEffectiveDefaultNamespace();
-    m_map = new NamespaceMap(*m_map);
-    m_ownsMap = true;
+    m_defaultNamespace = m_scope->m_defaultNamespace;
+    m_outerScope = m_scope;
+    m_scope = this;
     m_inherits = false;
-    m_defaultNamespace = inherited;
 }
 
 void Context::SetDefaultNamespace(std::string const &uri)
@@ -64,39 +61,53 @@ void Context::SetDefaultNamespace(std::string const &uri)
 void Context::AddNamespace(std::string const &prefix, std::string const &uri)
 {
     MakeScopeOwn();
-    (*m_map)[uri] = prefix;
+    for (auto &entry : m_declared)
+        if (entry.first == uri)
+        {
+            entry.second = prefix;
+            return;
+        }
+    m_declared.emplace_back(uri, prefix);
 }
 
 std::string const *Context::FindPrefix(std::string const &uri) const
 {
-    auto found = m_map->find(uri);
-    return found == m_map->end() ? nullptr : &found->second;
+    for (Context const *scope = m_scope; scope; scope = scope->m_outerScope)
+        for (auto const &entry : scope->m_declared)
+            if (entry.first == uri)
+                return &entry.second;
+    return nullptr;
+}
+
+bool Context::IsPrefixInUse(std::string const &prefix) const
+{
+    for (Context const *scope = m_scope; scope; scope = scope->m_outerScope)
+        for (auto const &entry : scope->m_declared)
+            // A mapping overridden by a nearer scope is no longer in force.
+            if (entry.second == prefix && FindPrefix(entry.first) == &entry.second)
+                return true;
+    return false;
 }
 
 std::string Context::GeneratePrefix() const
 {
+    std::string candidate(2, 'A');
     for (unsigned i = 0;; ++i)
     {
-        std::string candidate;
-        candidate += static_cast<char>('A' + i / 26);
-        candidate += static_cast<char>('A' + i % 26);
-        bool used = false;
-        for (auto const &entry : *m_map)
-            if (entry.second == candidate)
-            {
-                used = true;
-                break;
-            }
-        if (!used)
+        candidate[0] = static_cast<char>('A' + i / 26);
+        candidate[1] = static_cast<char>('A' + i % 26);
+        if (!IsPrefixInUse(candidate))
             return candidate;
     }
 }
 
-Context *Context::DetachParent()
+CXmlWriter::NamespaceMap Context::GetEffectiveMap() const
 {
-    Context *parent = m_parent;
-    m_parent = nullptr;
-    return parent;
+    NamespaceMap map;
+    for (Context const *scope = m_scope; scope; scope = scope->m_outerScope)
+        for (auto const &entry : scope->m_declared)
+            map.emplace(entry.first, entry.second); // the nearest scope wins
+    return map;
 }
 
 // ---------------------------------------------------------------------------
@@ -106,10 +117,7 @@ CXmlWriter::CXmlWriter() : m_current(nullptr)
     m_namespaceMap["http://www.w3.org/XML/1998/namespace"] = "xml";
 }
 
-CXmlWriter::~CXmlWriter()
-{
-    delete m_current;
-}
+CXmlWriter::~CXmlWriter() = default;
 
 void CXmlWriter::StartDocument() {}
 
@@ -137,16 +145,35 @@ void CXmlWriter::AddNamespace(std::string const &prefix, std::string const &uri)
 
 Context *CXmlWriter::CreateContext(std::string const &localName, std::string const &namespaceUri)
 {
+    Context *context;
+    if (m_free.empty())
+    {
+        m_contexts.push_back(std::make_unique<Context>());
+        context = m_contexts.back().get();
+    }
+    else
+    {
+        context = m_free.back();
+        m_free.pop_back();
+    }
     if (m_current)
-        return new Context(localName, namespaceUri, m_current);
-    return new Context(localName, namespaceUri, m_defaultNamespace, m_namespaceMap);
+        context->InitChild(localName, namespaceUri, m_current);
+    else
+        context->InitRoot(localName, namespaceUri, m_defaultNamespace, m_namespaceMap);
+    return context;
+}
+
+void CXmlWriter::ReleaseContext(Context *context)
+{
+    context->m_parent = nullptr;
+    m_free.push_back(context);
 }
 
 void CXmlWriter::PopContext()
 {
     Context *ended = m_current;
-    m_current = ended->DetachParent();
-    delete ended;
+    m_current = ended->m_parent;
+    ReleaseContext(ended);
 }
 
 } // namespace MxXmlLib

@@ -8,8 +8,12 @@
 #include "runtime/InstanceMonitor.h"
 #include "values/Variant.h"
 
+#include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace MxXmlLib
 {
@@ -20,34 +24,31 @@ public:
     using NamespaceMap = std::map<std::string, std::string>; // URI -> prefix
 
     // The state of one open element. A context without declarations of its
-    // own inherits: its default namespace and map are those of the nearest
-    // ancestor that does not.
+    // own inherits: its default namespace and mappings are those of the
+    // nearest ancestor that does not. A context that declares something gets a
+    // scope of its own on top of the one it inherited (copy on write), so its
+    // declarations are seen by it and its descendants and not by its siblings.
     class CXmlWriterContext : public CInstanceMonitor
     {
     public:
-        // The root's context: its own copy of the writer's declarations.
-        CXmlWriterContext(std::string const &localName, std::string const &namespaceUri,
-                          std::string const &defaultNamespace, NamespaceMap const &map);
-        // A child's context: shares the parent's declarations until it declares.
-        CXmlWriterContext(std::string const &localName, std::string const &namespaceUri, CXmlWriterContext *parent);
-        ~CXmlWriterContext() override;
+        CXmlWriterContext() = default;
         CXmlWriterContext(CXmlWriterContext const &) = delete;
         CXmlWriterContext &operator=(CXmlWriterContext const &) = delete;
 
-        std::string const &GetEffectiveDefaultNamespace() const;
-        NamespaceMap const &GetEffectiveMap() const { return *m_map; }
-        // Gives the context declarations of its own, copied from the parent's.
+        std::string const &GetEffectiveDefaultNamespace() const { return m_scope->m_defaultNamespace; }
+        // Gives the context declarations of its own, starting from the ones in force.
         void MakeScopeOwn();
         void SetDefaultNamespace(std::string const &uri);
         void AddNamespace(std::string const &prefix, std::string const &uri);
-        // The prefix mapped to `uri`, or null.
+        // The prefix that the mappings in force give `uri`, or null.
         std::string const *FindPrefix(std::string const &uri) const;
-        // The first of AA, AB, ... AZ, BA, ... that the effective map does not use.
+        bool IsPrefixInUse(std::string const &prefix) const;
+        // The first of AA, AB, ... AZ, BA, ... that no mapping in force uses.
         std::string GeneratePrefix() const;
+        // The mappings in force, as one map.
+        NamespaceMap GetEffectiveMap() const;
 
         CXmlWriterContext *GetParent() const { return m_parent; }
-        // Unlinks the parent, so that deleting this context spares it.
-        CXmlWriterContext *DetachParent();
 
         std::uint32_t ChildCount = 0;
         std::uint32_t TagOpen = 1;
@@ -58,11 +59,23 @@ public:
         std::uint32_t HasAttributes = 0;
 
     private:
-        CXmlWriterContext *m_parent;
+        friend class CXmlWriter;
+        // The root: its own copy of the writer's declarations.
+        void InitRoot(std::string const &localName, std::string const &namespaceUri,
+                      std::string const &defaultNamespace, NamespaceMap const &map);
+        // A child: shares the parent's declarations until it declares.
+        void InitChild(std::string const &localName, std::string const &namespaceUri, CXmlWriterContext *parent);
+        void InitCommon(std::string const &localName, std::string const &namespaceUri);
+
+        CXmlWriterContext *m_parent = nullptr;
+        // The nearest context, this one or an ancestor, that has its own scope.
+        CXmlWriterContext *m_scope = this;
+        // For a context with its own scope: the scope it started from.
+        CXmlWriterContext *m_outerScope = nullptr;
+        bool m_inherits = false;
         std::string m_defaultNamespace;
-        NamespaceMap *m_map;
-        bool m_inherits;
-        bool m_ownsMap;
+        // Own mappings (URI, prefix), overriding those of the outer scopes.
+        std::vector<std::pair<std::string, std::string>> m_declared;
     };
 
     CXmlWriter();
@@ -94,9 +107,10 @@ public:
     CXmlWriterContext *GetCurrentContext() const { return m_current; }
 
 protected:
-    // Makes the context for a new element and links it under the current one;
-    // the caller makes it current when its start tag is written.
+    // Makes the context for a new element, below the current one if any; the
+    // caller makes it current when its start tag is written, or releases it.
     CXmlWriterContext *CreateContext(std::string const &localName, std::string const &namespaceUri);
+    void ReleaseContext(CXmlWriterContext *context);
     void SetCurrentContext(CXmlWriterContext *context) { m_current = context; }
     // Ends the current context and makes its parent current.
     void PopContext();
@@ -104,6 +118,12 @@ protected:
     std::string m_defaultNamespace;
     CXmlWriterContext *m_current;
     NamespaceMap m_namespaceMap;
+
+private:
+    // Contexts are reused from element to element: writing allocates only
+    // for the deepest nesting seen so far.
+    std::vector<std::unique_ptr<CXmlWriterContext>> m_contexts;
+    std::vector<CXmlWriterContext *> m_free;
 };
 
 } // namespace MxXmlLib

@@ -36,7 +36,7 @@ void CStringBuffer::Append(char const *text)
     Append(text, std::strlen(text));
 }
 
-void CStringBuffer::Append(char const *text, std::size_t remaining)
+void CStringBuffer::AppendSlow(char const *text, std::size_t remaining)
 {
     m_length += static_cast<std::uint32_t>(remaining);
     while (remaining > 0)

@@ -3,6 +3,7 @@
 #include "runtime/InstanceMonitor.h"
 
 #include <cstddef>
+#include <cstring>
 #include <cstdint>
 #include <vector>
 
@@ -24,7 +25,20 @@ public:
     // Appends up to the first NUL of `text`; a null text adds nothing.
     void Append(char const *text);
     // Appends exactly `length` bytes.
-    void Append(char const *text, std::size_t length);
+    void Append(char const *text, std::size_t length)
+    {
+        // Small pieces nearly always fit the current chunk.
+        if (length <= m_capacity - m_used)
+        {
+            if (length == 0)
+                return;
+            std::memcpy(m_current + m_used, text, length);
+            m_used += static_cast<std::uint32_t>(length);
+            m_length += static_cast<std::uint32_t>(length);
+            return;
+        }
+        AppendSlow(text, length);
+    }
     void AppendChar(char c)
     {
         if (m_capacity == m_used)
@@ -47,6 +61,7 @@ public:
     std::uint32_t GetCapacity() const { return m_capacity; }
 
 private:
+    void AppendSlow(char const *text, std::size_t length);
     void NewChunk();
     void FreeChunks();
 

@@ -112,3 +112,44 @@ TEST_F(Registered, ElementNameMatching)
         EXPECT_EQ(c.match, order->DoesElementNameMatch(*c.context, a, c.name, c.ns));
     }
 }
+
+TEST_F(Registered, WritesAndReadsBack)
+{
+    CSmartPtr<CSimpleOrder> order(new CSimpleOrder);
+    order->id = "A&7";
+    order->customer = "Ann <ann@example.com>";
+    order->items = {"pen", "ink\nwell"};
+    struct Case
+    {
+        bool header;
+        bool formatted;
+        EOLType eol;
+        char const *expected;
+    };
+    Case const cases[] = {
+        {false, false, LF,
+         "<AA:order xmlns:AA=\"urn:orders\" id=\"A&amp;7\"><AA:customer>Ann &lt;ann@example.com&gt;</AA:customer>"
+         "<AA:item>pen</AA:item><AA:item>ink\nwell</AA:item></AA:order>"},
+        {true, true, CRLF,
+         "<?xml version=\"1.0\"?>\r\n<AA:order xmlns:AA=\"urn:orders\" id=\"A&amp;7\">\r\n"
+         "\t<AA:customer>Ann &lt;ann@example.com&gt;</AA:customer>\r\n\t<AA:item>pen</AA:item>\r\n"
+         "\t<AA:item>ink\r\nwell</AA:item>\r\n</AA:order>\r\n"},
+    };
+    for (auto const &c : cases)
+    {
+        std::string const xml = order->ToXml(c.header, c.formatted, c.eol);
+        EXPECT_EQ(c.expected, xml);
+        CSmartPtr<CSimpleOrder> back(new CSimpleOrder);
+        back->FromXml(xml.c_str());
+        EXPECT_EQ(order->id, back->id);
+        EXPECT_EQ(order->customer, back->customer);
+        EXPECT_EQ(order->items, back->items);
+    }
+    CSerializationContext spaces;
+    spaces.SetIndentChars("  ");
+    std::string const prefix = "<AA:order xmlns:AA=\"urn:orders\" id=\"A&amp;7\">\n  <AA:customer>";
+    EXPECT_EQ(prefix, order->ToXml(false, true, LF, spaces).substr(0, prefix.size()));
+    Register(1, 0);
+    EXPECT_EQ("Wrong Version (Velmar Runtime: v16.1, Generator: v1.0)", ErrorOf([&] { order->ToXml(); }));
+    Register(16, 1);
+}

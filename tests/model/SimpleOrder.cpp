@@ -1,5 +1,7 @@
 #include "model/SimpleOrder.h"
 
+#include "document/XmlWriter.h"
+
 namespace MxTestModel
 {
 
@@ -25,6 +27,23 @@ CXmlElement *CSimpleOrder::FromXml_Int(CXmlElement *element, CXmlElement *cursor
             throw CMxValidationException("Unexpected element", cursor->GetXPath());
     }
     return nullptr;
+}
+
+void CSimpleOrder::ToXml_Int(CXmlWriter *writer, bool, char const *namespaceUri, CSerializationContext const &,
+                             bool) const
+{
+    writer->StartElement(GetElementName(), namespaceUri);
+    if (!id.empty())
+        writer->WriteAttribute("id", "", id, ItemType_string);
+    auto child = [&](char const *name, std::string const &text) {
+        writer->StartElement(name, namespaceUri);
+        writer->WriteText(text, ItemType_string, false);
+        writer->EndElement();
+    };
+    child("customer", customer);
+    for (auto const &item : items)
+        child("item", item);
+    writer->EndElement();
 }
 
 } // namespace MxTestModel

@@ -29,10 +29,8 @@ public:
 protected:
     ~CSimpleOrder() override = default;
     std::string GetTargetNamespace() const override { return kNamespace; }
-    void ToXml_Int(MxXmlLib::CXmlWriter *, bool, char const *, MxXmlLib::CSerializationContext const &,
-                   bool) const override
-    {
-    }
+    void ToXml_Int(MxXmlLib::CXmlWriter *writer, bool isRoot, char const *namespaceUri,
+                   MxXmlLib::CSerializationContext const &context, bool) const override;
     MxXmlLib::CXmlElement *FromXml_Int(MxXmlLib::CXmlElement *element, MxXmlLib::CXmlElement *cursor,
                                        MxXmlLib::CSerializationContext const &context, bool) override;
 };
