@@ -245,6 +245,19 @@ bool CXmlObjectBase::DoesElementNameMatch(CSerializationContext const &context, 
     return element->GetNamespaceURI() == (namespaceUri ? namespaceUri : "");
 }
 
+void CXmlObjectBase::Choice_Read_Collection(CXmlCollectionBase *collection, CXmlElement *element,
+                                            CXmlElement *&cursor, int &count, CSerializationContext const &context)
+{
+    if (count >= 1)
+        return;
+    CXmlElement *next = collection->FromXml_Int(element, cursor, context, false);
+    if (next == cursor)
+        return;
+    cursor = next;
+    collection->ValidateCount(context);
+    ++count;
+}
+
 bool CXmlObjectBase::IsNamespaceValid(char const *namespaceUri, char const *allowed,
                                       char const *targetNamespace) const
 {

@@ -104,6 +104,12 @@ public:
     void TestNamespace(char const *namespaceUri, char const *allowed, char const *targetNamespace) const;
 
 protected:
+    // For a choice over a collection: while nothing of the choice has been
+    // read (`count` below 1), reads the collection from `cursor`; if it took
+    // anything, moves `cursor`, checks the collection's count and adds 1.
+    static void Choice_Read_Collection(CXmlCollectionBase *collection, CXmlElement *element, CXmlElement *&cursor,
+                                       int &count, CSerializationContext const &context);
+
     // Raises "Wrong Version ..." (after the warning) unless the generator is 16.1.
     static void CheckVersion();
 
