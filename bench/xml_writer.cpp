@@ -62,7 +62,7 @@ std::string WriteWithWriter(std::vector<Item> const &items, double &seconds)
     }
     writer.EndElement();
     writer.EndDocument();
-    std::string out = stream.Text();
+    std::string out = stream.TextAsString(); // as the ToXml frame returns it
     seconds = Seconds(start);
     return out;
 }

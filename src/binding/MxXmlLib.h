@@ -33,3 +33,5 @@
 #include "values/BinaryData.h"
 #include "values/Decimal.h"
 #include "values/XsdPattern.h"
+#include "values/DateTime.h"
+#include "values/DateTimeSpan.h"

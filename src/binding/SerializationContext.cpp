@@ -1,5 +1,6 @@
 #include "binding/SerializationContext.h"
 
+#include "collections/AttributeCol.h"
 #include "runtime/MxException.h"
 
 namespace MxXmlLib
@@ -27,6 +28,7 @@ CSerializationContext &CSerializationContext::operator=(CSerializationContext co
     m_defaultNamespaceUri = other.m_defaultNamespaceUri;
     m_writeTypeAttribute = other.m_writeTypeAttribute;
     m_namespaceAliases = other.m_namespaceAliases;
+    m_additionalRootAttributes = other.m_additionalRootAttributes;
     m_processingInstructions = other.m_processingInstructions;
     m_inLineSchema = other.m_inLineSchema;
     // The two ignore flags that exclude each other are copied as a pair, not
@@ -46,6 +48,13 @@ CSerializationContext &CSerializationContext::operator=(CSerializationContext co
 }
 
 CSerializationContext::~CSerializationContext() = default;
+
+CSmartPtr<CAttributeCol> CSerializationContext::GetAdditionalRootAttributes() const
+{
+    if (m_additionalRootAttributes.IsNull())
+        m_additionalRootAttributes = new CAttributeCol("", "##any", "");
+    return m_additionalRootAttributes;
+}
 
 CSerializationContext &CSerializationContext::GetDefaultContext()
 {

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "metadata/NamespaceAliasMap.h"
+#include "runtime/SmartPtr.h"
 
 #include <string>
 #include <vector>
 
 namespace MxXmlLib
 {
+
+class CAttributeCol;
 
 // Text encoding of output; the numbers are part of the interface.
 enum XmlEncoding
@@ -75,6 +78,10 @@ public:
     CNamespaceAliasMap &GetNamespaceAliases() { return m_namespaceAliases; }
     CNamespaceAliasMap const &GetNamespaceAliases() const { return m_namespaceAliases; }
 
+    // Written right after the root's start tag; made empty on first use and
+    // shared by copies of the context.
+    CSmartPtr<CAttributeCol> GetAdditionalRootAttributes() const;
+
     std::vector<std::string> &GetProcessingInstructions() { return m_processingInstructions; }
     std::vector<std::string> const &GetProcessingInstructions() const { return m_processingInstructions; }
 
@@ -117,6 +124,8 @@ private:
     std::string m_defaultNamespaceUri;
     bool m_writeTypeAttribute;
     CNamespaceAliasMap m_namespaceAliases;
+    // Built by the const getter on first use.
+    mutable CSmartPtr<CAttributeCol> m_additionalRootAttributes;
     std::vector<std::string> m_processingInstructions;
     std::string m_inLineSchema;
     bool m_ignoreInvalidCollectionCounts;

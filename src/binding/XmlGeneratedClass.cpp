@@ -1,5 +1,6 @@
 #include "binding/XmlGeneratedClass.h"
 
+#include "collections/AttributeCol.h"
 #include "document/XmlDocument.h"
 #include "document/XmlWriter.h"
 #include "metadata/AttributeInfo.h"
@@ -430,9 +431,12 @@ bool CXmlGeneratedClass::IsElementInList(CSerializationContext const &context, C
     return false;
 }
 
-void CXmlGeneratedClass::WriteAdditionalRootAttributes(CXmlWriter *, char const *, CSerializationContext const &,
-                                                      bool) const
+void CXmlGeneratedClass::WriteAdditionalRootAttributes(CXmlWriter *writer, char const *namespaceUri,
+                                                      CSerializationContext const &context,
+                                                      bool optionalChoice) const
 {
+    CSmartPtr<CAttributeCol> attributes = context.GetAdditionalRootAttributes();
+    CXmlObjectBase::ToXml_Int(attributes.Get(), writer, false, namespaceUri, context, optionalChoice);
 }
 
 void CXmlGeneratedClass::ReadProperty(int index, MxVariant &value) const

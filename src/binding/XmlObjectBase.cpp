@@ -1,8 +1,10 @@
 #include "binding/XmlObjectBase.h"
 
+#include "collections/Element.h"
 #include "collections/XmlCollectionBase.h"
 #include "document/XmlDocument.h"
 #include "document/XmlTextWriter.h"
+#include "metadata/NamespaceRules.h"
 #include "runtime/TextStream.h"
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
@@ -137,7 +139,7 @@ std::string CXmlObjectBase::ToXml(bool includeDocHeader, bool formatted, EOLType
     stream.End();
     if (writer.GetCurrentContext())
         throw CMxException("An Element has not been closed.");
-    return stream.Text();
+    return stream.TextAsString();
 }
 
 void CXmlObjectBase::FromXml(wchar_t const *text, CSerializationContext const &context)
@@ -165,6 +167,18 @@ void CXmlObjectBase::FromXmlElement(CXmlElement const *element, CSerializationCo
     // non-const only because they hand out cursors into them.
     auto *e = const_cast<CXmlElement *>(element);
     FromXml_Int(e, e ? e->GetFirstElement() : nullptr, context, false);
+}
+
+void CXmlObjectBase::FromXmlElement(CElement const *element, CSerializationContext const &context)
+{
+    CheckVersion();
+    if (element == nullptr)
+    {
+        FromXml_Int(nullptr, nullptr, context, false);
+        return;
+    }
+    std::string const text = element->ToXml(false, false, LF, CSerializationContext::GetDefaultContext());
+    FromXml(text.c_str(), context);
 }
 
 void CXmlObjectBase::SetElementName(char const *name)
@@ -308,6 +322,32 @@ bool CXmlObjectBase::DoesElementNameMatch(CSerializationContext const &context, 
     if (context.GetSchemaType() == SchemaType_NoNamespaces || context.GetIgnoreNamespacesFlag())
         return true;
     return element->GetNamespaceURI() == (namespaceUri ? namespaceUri : "");
+}
+
+void CXmlObjectBase::Choice_Read_Collection(CXmlCollectionBase *collection, CXmlElement *element,
+                                            CXmlElement *&cursor, int &count, CSerializationContext const &context)
+{
+    if (count >= 1)
+        return;
+    CXmlElement *next = collection->FromXml_Int(element, cursor, context, false);
+    if (next == cursor)
+        return;
+    cursor = next;
+    collection->ValidateCount(context);
+    ++count;
+}
+
+bool CXmlObjectBase::IsNamespaceValid(char const *namespaceUri, char const *allowed,
+                                      char const *targetNamespace) const
+{
+    return MxXmlLibData::CNamespaceRules::IsNamespaceValid(namespaceUri ? namespaceUri : "", allowed ? allowed : "",
+                                                           targetNamespace ? targetNamespace : "");
+}
+
+void CXmlObjectBase::TestNamespace(char const *namespaceUri, char const *allowed, char const *targetNamespace) const
+{
+    MxXmlLibData::CNamespaceRules::TestNamespace(namespaceUri ? namespaceUri : "", allowed ? allowed : "",
+                                                 targetNamespace ? targetNamespace : "");
 }
 
 } // namespace MxXmlLib

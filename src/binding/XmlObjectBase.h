@@ -12,6 +12,7 @@ namespace MxXmlLib
 class CXmlElement;
 class CXmlWriter;
 class CXmlCollectionBase;
+class CElement;
 
 // Stores the version of the code generator; generated code calls it before it
 // uses any object. Every entry point refuses to run unless it is 16.1.
@@ -49,6 +50,9 @@ public:
                          CSerializationContext const &context = CSerializationContext::GetDefaultContext());
     // Reads from an element of a tree that the caller keeps.
     virtual void FromXmlElement(CXmlElement const *element,
+                                CSerializationContext const &context = CSerializationContext::GetDefaultContext());
+    // Reads from an untyped tree, by way of its XML text.
+    virtual void FromXmlElement(CElement const *element,
                                 CSerializationContext const &context = CSerializationContext::GetDefaultContext());
 
     // The namespace of this class, handed to element rows as the class namespace.
@@ -96,7 +100,19 @@ public:
     bool DoesElementNameMatch(CSerializationContext const &context, CXmlElement const *element, char const *name,
                               char const *namespaceUri) const;
 
+    // Whether `namespaceUri` meets the wildcard `allowed`; see CNamespaceRules.
+    // A null string counts as empty.
+    bool IsNamespaceValid(char const *namespaceUri, char const *allowed, char const *targetNamespace) const;
+    // Raises CMxInvalidNamespaceException when IsNamespaceValid is false.
+    void TestNamespace(char const *namespaceUri, char const *allowed, char const *targetNamespace) const;
+
 protected:
+    // For a choice over a collection: while nothing of the choice has been
+    // read (`count` below 1), reads the collection from `cursor`; if it took
+    // anything, moves `cursor`, checks the collection's count and adds 1.
+    static void Choice_Read_Collection(CXmlCollectionBase *collection, CXmlElement *element, CXmlElement *&cursor,
+                                       int &count, CSerializationContext const &context);
+
     // Raises "Wrong Version ..." (after the warning) unless the generator is 16.1.
     static void CheckVersion();
 

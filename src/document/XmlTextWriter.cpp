@@ -131,7 +131,7 @@ void CXmlTextWriter::WriteInLineSchema(std::string const &text)
     FlushCheck();
 }
 
-void CXmlTextWriter::StartElement(std::string const &localName, std::string const &namespaceUri)
+void CXmlTextWriter::CloseStartTag()
 {
     if (m_current)
     {
@@ -144,6 +144,11 @@ void CXmlTextWriter::StartElement(std::string const &localName, std::string cons
                 Write(m_endOfLine);
         }
     }
+}
+
+void CXmlTextWriter::StartElement(std::string const &localName, std::string const &namespaceUri)
+{
+    CloseStartTag();
     bool const isRoot = m_current == nullptr;
     CXmlWriterContext *context = CreateContext(localName, namespaceUri);
     // Until it becomes current, the new context is ours to delete on failure.

@@ -39,6 +39,14 @@ public:
     void SetIndent(std::string const &indent) { m_indent = indent; }
     void SetFormatted(bool value) { m_formatted = value; }
 
+    EOLType GetEolType() const { return m_eolType; }
+    bool GetFormatted() const { return m_formatted; }
+    std::string const &GetEndOfLine() const { return m_endOfLine; }
+    CTextStream *GetStream() const { return m_stream; }
+    // Before text written straight to the stream as a child element: closes
+    // an open start tag as StartElement would, counting the child.
+    void CloseStartTag();
+
 private:
     void Put(char c) { m_stream->Put(c); }
     void Write(std::string const &text) { m_stream->Write(text.data(), text.size()); }

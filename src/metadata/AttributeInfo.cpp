@@ -1,6 +1,8 @@
 #include "metadata/AttributeInfo.h"
 
 #include "binding/XmlGeneratedClass.h"
+#include "collections/AttributeCol.h"
+#include "metadata/NamespaceRules.h"
 #include "document/XmlDocument.h"
 #include "document/XmlWriter.h"
 #include "runtime/FormatString.h"
@@ -74,6 +76,18 @@ bool CAttributeInfo::IsSuppressedDefault(CSerializationContext const &context, s
 {
     return m_optional && !m_defaultValue.empty() && context.GetNoOptionalAttributeDefaultOutput() &&
            text == m_defaultValue;
+}
+
+void CAttributeInfo::TestNamespace(std::string const &namespaceUri, std::string const &restriction,
+                                   std::string const &targetNamespace)
+{
+    CNamespaceRules::TestNamespace(namespaceUri, restriction, targetNamespace);
+}
+
+bool CAttributeInfo::IsNamespaceValid(std::string const &namespaceUri, std::string const &restriction,
+                                      std::string const &targetNamespace)
+{
+    return CNamespaceRules::IsNamespaceValid(namespaceUri, restriction, targetNamespace);
 }
 
 std::string CAttributeInfo::GetTargetNamespace(CXmlObjectBase const *object)
@@ -173,5 +187,54 @@ bool CAttributeInfoPrimitive::AttributeFromXml(CSerializationContext const &, CX
     InvokePropertySet(object, value, *attribute);
     return true;
 }
+
+// ---------------------------------------------------------------------------
+// CAttributeInfoAny
+
+CAttributeInfoAny::CAttributeInfoAny(char const *name, char const *attributeNamespace, int propertyIndex,
+                                     bool optional, char const *namespaceRestriction, char const *targetNamespace,
+                                     char const *defaultValue)
+    : CAttributeInfo(name, attributeNamespace, propertyIndex, optional, defaultValue),
+      m_namespaceRestriction(Text(namespaceRestriction)), m_targetNamespace(Text(targetNamespace))
+{
+}
+
+namespace
+{
+CSmartPtr<CAttributeCol> AttributeCollectionOf(MxVariant const &value)
+{
+    CSmartPtr<CXmlObjectBase> object = value.GetXmlObject();
+    auto *collection = dynamic_cast<CAttributeCol *>(object.Get());
+    if (collection == nullptr)
+        throw CMxException("Serialization Data Error : The collection should be a CAttributeCol, it was not!");
+    return collection;
+}
+} // namespace
+
+void CAttributeInfoAny::AttributeToXml(CSerializationContext const &context, CXmlGeneratedClass const *object,
+                                       CXmlWriter *writer) const
+{
+    MxVariant value;
+    ReadProperty(object, value);
+    CSmartPtr<CXmlObjectBase> collection = value.GetXmlObject();
+    if (collection.IsNull())
+        return;
+    std::string const targetNamespace = GetTargetNamespace(object);
+    ToXml_Int(collection, writer, false, targetNamespace.c_str(), context);
+}
+
+bool CAttributeInfoAny::AttributeFromXml(CSerializationContext const &, CXmlGeneratedClass *object,
+                                         CXmlAttribute *attribute)
+{
+    if (!IsNamespaceValid(attribute->GetNamespaceURI(), m_namespaceRestriction, m_targetNamespace))
+        return false;
+    MxVariant value;
+    InvokePropertyGet(object, value);
+    AttributeCollectionOf(value)->Add(attribute->GetLocalName().c_str(), attribute->GetValue().c_str(),
+                                      attribute->GetNamespaceURI().c_str());
+    return true;
+}
+
+void CAttributeInfoAny::Validate(CSerializationContext const &, bool) const {}
 
 } // namespace MxXmlLibData

@@ -39,7 +39,7 @@ TEST_F(Registered, WrongGeneratorVersionFailsEveryEntryPoint)
     EXPECT_EQ("Wrong Version (Velmar Runtime: v16.1, Generator: v15.9)",
               ErrorOf([&] { order->FromXml(L"<order xmlns='urn:orders'/>"); }));
     EXPECT_EQ("Wrong Version (Velmar Runtime: v16.1, Generator: v15.9)",
-              ErrorOf([&] { order->FromXmlElement(nullptr); }));
+              ErrorOf([&] { order->FromXmlElement(static_cast<CXmlElement const *>(nullptr)); }));
     std::string const warning = testing::internal::GetCapturedStderr();
     std::string const line = "Version Mismatch Error: Please ensure your generated code is the same version as this "
                              "library (Velmar Runtime: v16.1, Generator: v15.9).\n";
