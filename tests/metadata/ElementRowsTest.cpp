@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <type_traits>
 
 using namespace MxXmlLib;
 using namespace MxTestModel;
@@ -286,6 +287,148 @@ TEST_F(ModelTest, BrokenDocumentsFailWithTheirMessage)
         SCOPED_TRACE(c.label);
         EXPECT_EQ(c.expected, ReadAndWrite(c.make, c.input, c.options));
     }
+}
+
+// The family's shape: each collection row derives from its group's
+// collection rule, except the enumeration collection of xs:all, which stays
+// abstract on purpose.
+using namespace MxXmlLibData;
+static_assert(std::is_base_of_v<CElementInfoSeqCol, CElementInfoSeqUntpdCol>);
+static_assert(std::is_base_of_v<CElementInfoAllCol, CElementInfoAllPrimCol>);
+static_assert(std::is_base_of_v<CElementInfoChoiceCol, CElementInfoChoiceAbsClsCol>);
+static_assert(std::is_abstract_v<CElementInfoAllEnumCol>);
+static_assert(!std::is_base_of_v<CElementInfoAllCol, CElementInfoAllEnumCol>);
+static_assert(!std::is_abstract_v<CElementInfoAllCol> && !std::is_abstract_v<CElementInfoChoiceCol>);
+
+std::string Write(CXmlObjectBase const &object, unsigned options = None)
+{
+    try
+    {
+        return object.ToXml(false, false, LF, MakeContext(options));
+    }
+    catch (CMxException const &e)
+    {
+        return "ERR " + e.GetFullMessage();
+    }
+}
+
+TEST_F(ModelTest, WritingFollowsTheProperties)
+{
+    CSmartPtr<COrder> order(new COrder);
+    order->id.SetI4(1);
+    order->number.SetI4(2);
+    order->priority.SetI4(0);
+    order->customer->name.SetString("A");
+    CSmartPtr<CCard> card(new CCard);
+    card->SetElementName("payment");
+    order->payment = card.Get();
+    // A failure below the root: one link for each element on the way up.
+    EXPECT_EQ("ERR Failed to convert the element [order] to XML\nFailed to convert the element [payment] to XML\n"
+              "The Property [number] is mandatory, it may not be NULL",
+              Write(*order));
+    card->number.SetString("9");
+
+    // The start tag takes the object's own name; xsi:type only when asked for.
+    CSmartPtr<CParty> other(new CParty);
+    other->SetElementName("other");
+    other->name.SetString("B");
+    order->shipTo = other;
+    std::string const head = "<order xmlns=\"urn:m\" id=\"1\"><number>2</number><priority>low</priority><customer>"
+                             "<name>A</name></customer><other><name>B</name></other>";
+    EXPECT_EQ(head + "<payment xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:type=\"card\"><number>9"
+                     "</number></payment></order>",
+              Write(*order));
+    CSerializationContext plain = MakeContext(None);
+    plain.SetWriteTypeAttribute(false);
+    EXPECT_EQ(head + "<payment><number>9</number></payment></order>", order->ToXml(false, false, LF, plain));
+
+    // A mandatory class property that is null.
+    order->customer = nullptr;
+    EXPECT_EQ("ERR Failed to convert the element [order] to XML\nThe Property [customer] is mandatory, it may not be "
+              "NULL",
+              Write(*order));
+}
+
+TEST_F(ModelTest, WritingCollectionsAndChoices)
+{
+    CSmartPtr<CBag> bag(new CBag);
+    CSmartPtr<CDimensions> box(new CDimensions);
+    box->width.SetI4(1);
+    box->height.SetI4(2);
+    box->units.SetString("in");
+    bag->dims->Add(box);
+    for (char const *tag : {"a", "b"})
+        bag->tag->Add(tag);
+    CSmartPtr<CParty> party(new CParty);
+    party->SetElementName("line");
+    party->name.SetString("P");
+    bag->line->Add(party);
+    CSmartPtr<CElement> any(new CElement("free", "urn:x"));
+    bag->rest->Add(any.Get());
+    // Inline items write their attributes on the bag's start tag.
+    EXPECT_EQ("<bag xmlns=\"urn:m\" units=\"in\"><line><name>P</name></line><tag>a</tag><tag>b</tag><width>1"
+              "</width><height>2</height><AA:free xmlns:AA=\"urn:x\"/></bag>",
+              Write(*bag));
+    bag->tag->Add("c");
+    EXPECT_EQ("ERR Failed to convert the element [bag] to XML\nThe Maximum number of [tag] elements allowed in this "
+              "collection is 2",
+              Write(*bag));
+    EXPECT_EQ("<bag xmlns=\"urn:m\" units=\"in\"><line><name>P</name></line><tag>a</tag><tag>b</tag><tag>c</tag>"
+              "<width>1</width><height>2</height><AA:free xmlns:AA=\"urn:x\"/></bag>",
+              Write(*bag, IgnoreCounts));
+
+    // A choice with no collection that may be empty must have one set.
+    CSmartPtr<CPicks> picks(new CPicks);
+    EXPECT_EQ("ERR Failed to convert the element [picks] to XML\nThis element is a choice, and as such must have at "
+              "one (and only one) valid item, currently there are none set",
+              Write(*picks));
+    EXPECT_EQ("<picks xmlns=\"urn:m\"/>", Write(*picks, IgnoreChoice));
+    // The first alternative that writes ends the choice.
+    picks->num->Add("1");
+    picks->mark->Add(2);
+    EXPECT_EQ("<picks xmlns=\"urn:m\"><mark>high</mark></picks>", Write(*picks));
+}
+
+TEST_F(ModelTest, WhatReadingLeavesInTheProperties)
+{
+    CSerializationContext const context = MakeContext(None);
+    CSmartPtr<CPick> pick(new CPick);
+    // An inline alternative that takes nothing is cleared again.
+    pick->FromXml("<pick xmlns='urn:m'><x:y xmlns:x='urn:x'/></pick>", context);
+    EXPECT_TRUE(pick->contact.IsNull());
+    EXPECT_FALSE(pick->foreign.IsNull());
+    // A choice stores the new object before it reads: a failing child stays, half read.
+    EXPECT_EQ("Failed to find the required child element [name].\nPath: /pick/party",
+              ErrorOf([&] { pick->FromXml("<pick xmlns='urn:m'><party ref='5'><phone>1</phone></party></pick>", context); }));
+    ASSERT_FALSE(pick->party.IsNull());
+    EXPECT_EQ(5, pick->party->ref.GetI4());
+
+    // A sequence stores an inline optional object only when it took something.
+    CSmartPtr<CPacket> packet(new CPacket);
+    packet->FromXml("<packet xmlns='urn:m'><width>1</width><height>2</height><x:a xmlns:x='urn:x'/></packet>",
+                    context);
+    EXPECT_TRUE(packet->contact.IsNull());
+    EXPECT_TRUE(packet->remark.IsNull());
+    EXPECT_EQ(2, packet->dimensions->height.GetI4());
+
+    // Ignored missing elements leave the constructed state.
+    CSmartPtr<COrder> order(new COrder);
+    order->FromXml("<order xmlns='urn:m' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' id='1'>"
+                   "<payment xsi:type='cash'/></order>",
+                   MakeContext(IgnoreMissing));
+    EXPECT_EQ(ItemType_None, order->number.GetTypeAsEnum());
+    EXPECT_EQ("customer", order->customer->GetElementName());
+}
+
+TEST_F(ModelTest, TablesAreSharedAndRebuiltAfterUnload)
+{
+    CSmartPtr<CParty> a(new CParty), b(new CParty);
+    EXPECT_EQ(a->GetClassElementInfo(), b->GetClassElementInfo());
+    EXPECT_TRUE(CParty::TablesBuilt());
+    UnloadModel();
+    EXPECT_FALSE(CParty::TablesBuilt());
+    a->FromXml("<party xmlns='urn:m'><name>x</name></party>", MakeContext(None));
+    EXPECT_EQ("<party xmlns=\"urn:m\"><name>x</name></party>", Write(*a));
 }
 
 } // namespace
