@@ -210,8 +210,9 @@ void CDelivery::AccessProperty(int index, bool read, MxVariant &value)
 
 static void BuildDelivery(Tables &t)
 {
+    // Inline content sees its parent's attributes: they are not its to refuse.
     t.info = new CParentElementInfo(XmlElementGroupType_Choice, XmlElementType_PseudoGroup, "Delivery",
-                                    kPoNamespace, true, false, -1, ItemType_None, nullptr, false);
+                                    kPoNamespace, false, false, -1, ItemType_None, nullptr, false);
     t.elements = new CElementInfo *[3]{
         new CElementInfoChoicePrimOpt("shipDate", kPoNamespace, 0, false, ItemType_string, nullptr, Rule::Collapse,
                                       NoFacets(), nullptr),
