@@ -40,6 +40,9 @@ class CTestCollection : public CXmlCollectionBase
 public:
     CXmlObjectBase *GetBase() override { return this; }
     std::string GetNamespace() const override { return ""; }
+    int GetCount() const override { return 0; }
+    void Clear() override {}
+    void Remove(int) override {}
 
 protected:
     std::string GetTargetNamespace() const override { return ""; }
