@@ -139,7 +139,7 @@ std::string CXmlObjectBase::ToXml(bool includeDocHeader, bool formatted, EOLType
     stream.End();
     if (writer.GetCurrentContext())
         throw CMxException("An Element has not been closed.");
-    return stream.Text();
+    return stream.TextAsString();
 }
 
 void CXmlObjectBase::FromXml(wchar_t const *text, CSerializationContext const &context)
@@ -207,6 +207,85 @@ CXmlElement *CXmlObjectBase::FromXml_Int(CXmlObjectBase *object, CXmlElement *el
                                          CSerializationContext const &context)
 {
     return object->FromXml_Int(element, cursor, context, false);
+}
+
+CXmlElement *CXmlObjectBase::FromXml_Int(CXmlObjectBase *object, CXmlElement *element, CXmlElement *cursor,
+                                         CSerializationContext const &context, bool optionalChoice)
+{
+    return object->FromXml_Int(element, cursor, context, optionalChoice);
+}
+
+void CXmlObjectBase::Throw_IfPropertyIsNull(CXmlObjectBase *value, char const *name)
+{
+    if (value == nullptr)
+        throw CMxInvalidParamException(
+            FormatString("The Property [%s] is mandatory, it may node be NULL", name ? name : ""));
+}
+
+void CXmlObjectBase::Throw_IfElementNameDiffers(CXmlObjectBase *value, char const *name)
+{
+    if (value == nullptr)
+        return;
+    std::string const found = value->GetBase()->GetElementName();
+    if (found != (name ? name : ""))
+        throw CMxInvalidParamException(FormatString(
+            "This property requires an element with the name %s the element being set has the element name %s",
+            name ? name : "", found.c_str()));
+}
+
+namespace
+{
+[[noreturn]] void ThrowAlreadySet(char const *format, std::string const &current)
+{
+    throw CMxInvalidStateException(FormatString(format, current.c_str()));
+}
+char const kAlreadySetBracketed[] =
+    "The Property [%s] is already set. Only one element within this class bay be set at a time";
+} // namespace
+
+void CXmlObjectBase::Choice_SelectElement(char const *name, CXmlObjectBase *value, std::string &current)
+{
+    std::string const wanted = name ? name : "";
+    if (current == wanted)
+    {
+        if (value == nullptr)
+            current.clear();
+    }
+    else if (current.empty())
+        current = wanted;
+    else if (value != nullptr)
+        ThrowAlreadySet(kAlreadySetBracketed, current);
+}
+
+void CXmlObjectBase::Choice_CollectionChanged(char const *name, long count, std::string &current)
+{
+    std::string const wanted = name ? name : "";
+    if (current == wanted)
+    {
+        if (count == 0)
+            current.clear();
+    }
+    else if (!current.empty())
+    {
+        if (count != 0)
+            ThrowAlreadySet(kAlreadySetBracketed, current);
+    }
+    else if (count >= 1)
+        current = wanted;
+}
+
+void CXmlObjectBase::Choice_SetElementValid(bool valid, char const *name, std::string &current)
+{
+    if (!valid)
+    {
+        current.clear();
+        return;
+    }
+    std::string const wanted = name ? name : "";
+    if (current.empty() || current != wanted)
+        ThrowAlreadySet("The Property %s is already set. Only one element within this class bay be set at a time",
+                        current);
+    current = wanted;
 }
 
 void CXmlObjectBase::FireOnCollectionChangeEvent(IEventSink *sink, CXmlCollectionBase *collection)

@@ -85,6 +85,9 @@ public:
                           CSerializationContext const &context, bool optionalChoice);
     static CXmlElement *FromXml_Int(CXmlObjectBase *object, CXmlElement *element, CXmlElement *cursor,
                                     CSerializationContext const &context);
+    static CXmlElement *FromXml_Int(CXmlObjectBase *object, CXmlElement *element, CXmlElement *cursor,
+                                    CSerializationContext const &context, bool optionalChoice);
+    static std::string GetTargetNamespace(CXmlObjectBase const *object) { return object->GetTargetNamespace(); }
 
     static void FireOnCollectionChangeEvent(IEventSink *sink, CXmlCollectionBase *collection);
     static void FireOnCollectionAddEvent(IEventSink *sink, CXmlCollectionBase *collection, void *item);
@@ -112,6 +115,14 @@ protected:
 
     // Raises "Wrong Version ..." (after the warning) unless the generator is 16.1.
     static void CheckVersion();
+
+    // Checks of the property setters of generated code.
+    static void Throw_IfPropertyIsNull(CXmlObjectBase *value, char const *name);
+    static void Throw_IfElementNameDiffers(CXmlObjectBase *value, char const *name);
+    // Bookkeeping of a class with a choice: `current` names the alternative set.
+    static void Choice_SetElementValid(bool valid, char const *name, std::string &current);
+    static void Choice_SelectElement(char const *name, CXmlObjectBase *value, std::string &current);
+    static void Choice_CollectionChanged(char const *name, long count, std::string &current);
 
 private:
     std::string m_elementName;

@@ -50,6 +50,16 @@ public:
 
         CXmlWriterContext *GetParent() const { return m_parent; }
 
+        // Values of ArrayState: how a JSON writer brackets a collection that
+        // the element rows announce.
+        enum
+        {
+            ArrayNone = 0,
+            ArrayPending = 1, // a non-empty collection is about to be written
+            ArrayOpen = 2,    // "[" is written
+            ArrayClosing = 3, // the collection is written; "]" is owed
+        };
+
         std::uint32_t ChildCount = 0;
         std::uint32_t TagOpen = 1;
         std::int32_t Depth = 0;

@@ -56,6 +56,19 @@ void CStringBuffer::AppendSlow(char const *text, std::size_t remaining)
     }
 }
 
+std::string CStringBuffer::ToString() const
+{
+    std::string text;
+    text.reserve(m_length);
+    std::size_t const last = m_chunks.empty() ? 0 : m_chunks.size() - 1;
+    for (std::size_t i = 0; i < m_chunks.size(); ++i)
+    {
+        // The writers never append a zero byte, so the chunks hold the text whole.
+        text.append(m_chunks[i], i == last ? m_used : m_chunkSizes[i]);
+    }
+    return text;
+}
+
 char const *CStringBuffer::GetText()
 {
     if (m_chunks.empty())

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <string>
 #include <cstdint>
 #include <vector>
 
@@ -50,6 +51,8 @@ public:
     // The whole text, joined into one chunk when there are several. Owned by
     // the buffer and valid until its next change.
     char const *GetText();
+    // The whole text as a string, copied once from the chunks (no join).
+    std::string ToString() const;
     // Keeps a single chunk, zero-filled, for the next piece; else as Empty.
     void Clear();
     // Frees every chunk.

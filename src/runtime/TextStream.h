@@ -29,6 +29,8 @@ public:
     void Write(char const *text, std::size_t length) { m_buffer.Append(text, length); }
     // The text so far, owned by the stream and valid until its next change.
     char const *Text() { return m_buffer.GetText(); }
+    // The same text as a string, without joining the chunks first.
+    std::string TextAsString() const { return m_buffer.ToString(); }
 
     // Characters since the last clearing of the buffer.
     std::uint32_t GetLength() const { return m_buffer.GetLength(); }

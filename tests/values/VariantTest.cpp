@@ -42,6 +42,9 @@ private:
 class CCountedCollection : public CXmlCollectionBase
 {
 public:
+    int GetCount() const override { return 0; }
+    void Clear() override {}
+    void Remove(int) override {}
     CXmlObjectBase *GetBase() override { return this; }
     std::string GetNamespace() const override { return ""; }
     int GetCount() const override { return 0; }

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+namespace MxXmlLib
+{
+
+// Whether the whole of `value` (local text) matches the XSD pattern (UTF-8).
+// The pattern is translated to PCRE for the XSD escapes \i \I \c \C and four
+// Unicode blocks, anchored at both ends, and compiled anew for every call.
+// A pattern that does not compile raises CMxException
+// "Invalid Regular Expression: <value> Error: '<reason>'".
+bool MatchesXsdPattern(std::string const &pattern, std::string const &value);
+
+// The PCRE form of an XSD pattern, before anchoring.
+std::string TranslateXsdPattern(std::string const &pattern);
+
+} // namespace MxXmlLib
