@@ -47,9 +47,6 @@ public:
     void Remove(int) override {}
     CXmlObjectBase *GetBase() override { return this; }
     std::string GetNamespace() const override { return ""; }
-    int GetCount() const override { return 0; }
-    void Clear() override {}
-    void Remove(int) override {}
 
 protected:
     std::string GetTargetNamespace() const override { return ""; }
