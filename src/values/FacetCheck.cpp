@@ -6,6 +6,7 @@
 #include "values/XsdPattern.h"
 
 #include <charconv>
+#include <limits>
 #include <type_traits>
 #include <cstdint>
 #include <string>
@@ -26,29 +27,33 @@ template <typename T> T ParseBound(T (*parse)(std::string const &, Rule), std::s
 }
 
 // Most integer bounds are plain digits with an optional sign. For those the
-// collapse is the identity and the strtol-style parse agrees with
-// from_chars, so they are read without the copy; anything else, including
-// out of range and a minus sign before an unsigned bound, takes the full
-// parser with its wrap-around and its messages.
+// collapse is the identity and the strtol-style parse gives the plain value,
+// so they are read in one pass without a copy; anything else (blanks, a
+// minus before an unsigned bound, more than 18 digits, out of range) takes
+// the full parser with its wrap-around and its messages.
 template <typename T> T ParseIntegerBound(T (*parse)(std::string const &, Rule), std::string const &bound)
 {
-    char const *begin = bound.data();
-    char const *end = begin + bound.size();
-    char const *digits = begin;
-    if (digits != end && (*digits == '+' || *digits == '-'))
-        ++digits;
-    bool plain = digits != end && !(*begin == '-' && !std::is_signed<T>::value);
-    for (char const *p = digits; plain && p != end; ++p)
-        plain = *p >= '0' && *p <= '9';
-    if (plain)
+    char const *p = bound.data();
+    char const *const end = p + bound.size();
+    bool negative = false;
+    if (p != end && (*p == '+' || *p == '-'))
+        negative = *p++ == '-';
+    std::size_t const digits = static_cast<std::size_t>(end - p);
+    if (digits == 0 || digits > 18 || (negative && !std::is_signed<T>::value))
+        return parse(bound, Rule::Collapse);
+    std::int64_t magnitude = 0; // [0, 10^18)
+    for (; p != end; ++p)
     {
-        T value = 0;
-        char const *from = *begin == '+' ? begin + 1 : begin;
-        std::from_chars_result r = std::from_chars(from, end, value);
-        if (r.ec == std::errc() && r.ptr == end)
-            return value;
+        unsigned const d = static_cast<unsigned>(*p - '0');
+        if (d > 9)
+            return parse(bound, Rule::Collapse);
+        magnitude = magnitude * 10 + d;
     }
-    return parse(bound, Rule::Collapse);
+    std::int64_t const value = negative ? -magnitude : magnitude;
+    if (value < static_cast<std::int64_t>(std::numeric_limits<T>::min()) ||
+        (value > 0 && static_cast<std::uint64_t>(value) > static_cast<std::uint64_t>(std::numeric_limits<T>::max())))
+        return parse(bound, Rule::Collapse);
+    return static_cast<T>(value);
 }
 
 // The four bound tests in their fixed order. Each test is written so that a
