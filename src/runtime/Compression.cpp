@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstring>
 #include <memory>
 #include <zlib.h>
 
@@ -78,9 +79,31 @@ void Compress(CBinaryData &data, int compressionType)
     data = CBinaryData(out.release(), produced, true);
 }
 
+namespace
+{
+// Room for the first try. A gzip stream states its size (mod 2^32) in its
+// last four bytes; that is only a hint, and from hostile input, so it is
+// held to what deflate can produce from this much input and to the limit.
+unsigned long FirstCapacity(unsigned char const *data, unsigned long length, unsigned long limit)
+{
+    unsigned long guess = 4 * static_cast<unsigned long>(std::min<unsigned long>(length, limit));
+    if (length >= 18 && data[0] == 0x1F && data[1] == 0x8B)
+    {
+        unsigned char const *tail = data + length - 4;
+        guess = static_cast<unsigned long>(tail[0]) | static_cast<unsigned long>(tail[1]) << 8 |
+                static_cast<unsigned long>(tail[2]) << 16 | static_cast<unsigned long>(tail[3]) << 24;
+        guess = std::min<unsigned long>(guess, 1032 * static_cast<unsigned long>(std::min<unsigned long>(length, limit)));
+    }
+    // One byte past the limit tells output that is too long from output that just fits.
+    return std::min<unsigned long>(std::max<unsigned long>(guess, kInflateChunk / 8), limit + 1);
+}
+} // namespace
+
 bool Decompress(unsigned char const *data, unsigned long length, CBinaryData &result, unsigned long limit)
 {
     result.Clear();
+    // Lengths of the library's buffers fit 32 bits, and limit + 1 must too.
+    limit = std::min<unsigned long>(limit, 0xFFFFFFFEUL);
     InflateStream z;
     z.stream.next_in = const_cast<Bytef *>(data);
     z.stream.avail_in = 0;
@@ -88,10 +111,12 @@ bool Decompress(unsigned char const *data, unsigned long length, CBinaryData &re
         return false;
     z.live = true;
 
-    std::unique_ptr<unsigned char[]> chunk(new unsigned char[kInflateChunk]);
+    // zlib writes straight into the result, which doubles when full.
+    unsigned long capacity = FirstCapacity(data, length, limit);
+    std::unique_ptr<unsigned char[]> out(new unsigned char[capacity + 1]);
+    unsigned long produced = 0;
     unsigned char const *next = data;
     unsigned long remaining = length;
-    CBinaryData out;
     int status;
     do
     {
@@ -104,19 +129,28 @@ bool Decompress(unsigned char const *data, unsigned long length, CBinaryData &re
             next += slice;
             remaining -= slice;
         }
-        z.stream.next_out = chunk.get();
-        z.stream.avail_out = kInflateChunk;
+        if (produced == capacity)
+        {
+            if (produced > limit)
+                throw CMxException(FormatString("Decompressed data exceeds the limit of %lu bytes", limit));
+            unsigned long const larger = std::min<unsigned long>(2 * capacity, limit + 1);
+            std::unique_ptr<unsigned char[]> grown(new unsigned char[larger + 1]);
+            std::memcpy(grown.get(), out.get(), produced);
+            out = std::move(grown);
+            capacity = larger;
+        }
+        auto const room = static_cast<uInt>(std::min<unsigned long>(capacity - produced, kInflateChunk));
+        z.stream.next_out = out.get() + produced;
+        z.stream.avail_out = room;
         status = inflate(&z.stream, Z_NO_FLUSH);
-        unsigned long const produced = kInflateChunk - z.stream.avail_out;
-        if (produced == 0)
-            continue;
-        if (produced > limit - out.GetLength())
-            throw CMxException(FormatString("Decompressed data exceeds the limit of %lu bytes", limit));
-        out.Append(chunk.get(), produced);
+        produced += room - z.stream.avail_out;
     } while (status == Z_OK);
     if (status != Z_STREAM_END)
         return false;
-    result = out;
+    if (produced > limit)
+        throw CMxException(FormatString("Decompressed data exceeds the limit of %lu bytes", limit));
+    if (produced > 0)
+        result = CBinaryData(out.release(), produced, true);
     return true;
 }
 

@@ -156,10 +156,16 @@ TEST(Decompression, ReadsStreamsOfIndependentProducers)
 
 TEST(Decompression, AnythingButACompleteStreamIsLeftAsItIs)
 {
+    TempDir dir;
     std::string const plain = Document(50);
     std::string const packed = ZlibCompress(plain);
     std::string broken = packed;
     broken[broken.size() / 2] ^= 0x55;
+    // The gzip trailer's size is only a hint for the first allocation.
+    std::string const gz = GzipWithTool(dir, plain);
+    std::string hugeSize = gz, smallSize = gz;
+    hugeSize.replace(hugeSize.size() - 4, 4, "\xFF\xFF\xFF\xFF");
+    smallSize.replace(smallSize.size() - 4, 4, std::string("\x01\0\0\0", 4));
     struct Case
     {
         char const *name;
@@ -172,6 +178,8 @@ TEST(Decompression, AnythingButACompleteStreamIsLeftAsItIs)
         {"gzip magic alone", "\x1F\x8B"},
         {"corrupted middle", broken},
         {"UTF-16 byte order mark", std::string("\xFF\xFE<\0a\0/\0>\0", 10)},
+        {"gzip claiming 4 GiB", hugeSize},
+        {"gzip claiming 1 byte", smallSize},
     };
     for (auto const &c : cases)
     {
@@ -207,4 +215,10 @@ TEST(Decompression, OutputBeyondTheLimitRaises)
               ErrorOf([&] { Decompress(bytes, length, result, (1 << 20) - 1); }));
     ASSERT_TRUE(Decompress(bytes, length, result, 1 << 20));
     EXPECT_EQ(zeros.size(), result.GetLength());
+    // An empty text compressed is a complete stream of nothing.
+    std::string const nothing = ZlibCompress("");
+    CBinaryData stale = CBinaryData("stale");
+    EXPECT_TRUE(Decompress(reinterpret_cast<unsigned char const *>(nothing.data()),
+                           static_cast<unsigned long>(nothing.size()), stale));
+    EXPECT_EQ(0u, stale.GetLength());
 }
