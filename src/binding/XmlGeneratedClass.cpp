@@ -4,6 +4,8 @@
 #include "document/XmlDocument.h"
 #include "document/XmlWriter.h"
 #include "metadata/AttributeInfo.h"
+#include "metadata/ElementInfoChoice.h"
+#include "collections/XmlCollectionBase.h"
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
 
@@ -395,8 +397,28 @@ int CXmlGeneratedClass::GetClassElementInfoCount() const
     return count;
 }
 
+// One optional alternative, or one collection that may be empty, makes the
+// whole choice optional.
 bool CXmlGeneratedClass::DoesElementContainOptionalElements() const
 {
+    for (CElementInfo **row = Self()->GetClassElementInfo(); row && *row; ++row)
+    {
+        CElementInfo *const r = *row;
+        if (dynamic_cast<CElementInfoChoicePrimOpt *>(r) || dynamic_cast<CElementInfoChoiceClsOpt *>(r) ||
+            dynamic_cast<CElementInfoChoiceAbsClsOpt *>(r) || dynamic_cast<CElementInfoChoiceEnumOpt *>(r) ||
+            dynamic_cast<CElementInfoChoiceUntpdOpt *>(r))
+            return true;
+        if (dynamic_cast<CElementInfoChoicePrimCol *>(r) || dynamic_cast<CElementInfoChoiceClsCol *>(r) ||
+            dynamic_cast<CElementInfoChoiceAbsClsCol *>(r) || dynamic_cast<CElementInfoChoiceEnumCol *>(r) ||
+            dynamic_cast<CElementInfoChoiceUntpdCol *>(r))
+        {
+            MxVariant value;
+            ReadProperty(r->GetPropertyIndex(), value);
+            CSmartPtr<CXmlCollectionBase> collection = value.GetXmlCollection();
+            if (!collection.IsNull() && collection->GetMinOccurs() == 0)
+                return true;
+        }
+    }
     return false;
 }
 

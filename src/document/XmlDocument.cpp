@@ -107,13 +107,23 @@ CXmlElement::CXmlElement(CXmlDocument *document, CXmlElement *parent)
 
 CXmlElement::~CXmlElement()
 {
-    // Iterative over siblings so that a long child list does not recurse.
-    CXmlElement *child = m_firstChild;
-    while (child)
+    // Without recursion: a document may nest deeper than the stack allows.
+    // Each element's children are unlinked before it is deleted, so no
+    // destructor below this one has children left to walk.
+    if (m_firstChild)
     {
-        CXmlElement *next = child->m_nextSibling;
-        delete child;
-        child = next;
+        std::vector<CXmlElement *> pending;
+        for (CXmlElement *child = m_firstChild; child; child = child->m_nextSibling)
+            pending.push_back(child);
+        while (!pending.empty())
+        {
+            CXmlElement *e = pending.back();
+            pending.pop_back();
+            for (CXmlElement *child = e->m_firstChild; child; child = child->m_nextSibling)
+                pending.push_back(child);
+            e->m_firstChild = e->m_lastChild = nullptr;
+            delete e;
+        }
     }
     if (m_attributes)
         for (CXmlAttribute *attribute : *m_attributes)
@@ -243,9 +253,15 @@ std::string CXmlElement::GetNameWithPredicate() const
 
 std::string CXmlElement::GetXPath() const
 {
-    std::string path = m_parent ? m_parent->GetXPath() : std::string();
-    path += '/';
-    path += GetNameWithPredicate();
+    std::vector<CXmlElement const *> chain;
+    for (CXmlElement const *e = this; e; e = e->m_parent)
+        chain.push_back(e);
+    std::string path;
+    for (auto e = chain.rbegin(); e != chain.rend(); ++e)
+    {
+        path += '/';
+        path += (*e)->GetNameWithPredicate();
+    }
     return path;
 }
 
@@ -591,6 +607,11 @@ CXmlElement *CXmlDocument::AddChildElement(char const *namespaceUri, char const 
 
 CXmlElement *CXmlDocument::AddElement(std::string const *namespaceUri, std::string const *localName)
 {
+    // Everything that reads a tree into objects recurses once per level, so
+    // depth is bounded here, where all input passes, rather than by the stack.
+    if (m_elementStack.size() >= kMaxElementDepth)
+        throw CMxException(
+            FormatString("The document nests elements deeper than %d levels.", static_cast<int>(kMaxElementDepth)));
     CXmlElement *element;
     if (m_documentElement == nullptr)
         element = m_documentElement = new CXmlElement(this, nullptr);

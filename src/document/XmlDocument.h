@@ -128,6 +128,8 @@ public:
     // Called as each element ends; returning true drops the element from the
     // tree at once, so that documents too big to hold can be consumed.
     using ElementEndFunction = bool (*)(CXmlElement *);
+    // Deeper documents are refused while they are read.
+    static constexpr std::size_t kMaxElementDepth = 2048;
 
     CXmlDocument();
     explicit CXmlDocument(CSerializationContext const &context);

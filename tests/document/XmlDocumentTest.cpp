@@ -264,17 +264,34 @@ TEST(XmlDocument, LoadingAgainStartsAfresh)
 
 TEST(XmlDocument, DeepAndWideDocuments)
 {
-    std::string deep;
-    for (int i = 0; i < 5000; ++i)
-        deep += "<e>";
-    for (int i = 0; i < 5000; ++i)
-        deep += "</e>";
+    auto nested = [](std::size_t levels) {
+        std::string xml;
+        for (std::size_t i = 0; i < levels; ++i)
+            xml += "<e>";
+        for (std::size_t i = 0; i < levels; ++i)
+            xml += "</e>";
+        return xml;
+    };
     CXmlDocument document;
-    document.LoadXml(deep.c_str());
-    int depth = 0;
+    document.LoadXml(nested(CXmlDocument::kMaxElementDepth).c_str());
+    std::size_t depth = 0;
+    CXmlElement const *innermost = nullptr;
     for (CXmlElement const *e = document.GetDocumentElement(); e; e = e->GetFirstElement())
+    {
         ++depth;
-    EXPECT_EQ(5000, depth);
+        innermost = e;
+    }
+    EXPECT_EQ(CXmlDocument::kMaxElementDepth, depth);
+    EXPECT_EQ(depth * 2, innermost->GetXPath().size());
+    try
+    {
+        document.LoadXml(nested(300000).c_str());
+        FAIL() << "no depth limit";
+    }
+    catch (CMxException const &e)
+    {
+        EXPECT_EQ("The document nests elements deeper than 2048 levels.", e.GetMessage());
+    }
 
     std::string wide = "<r>";
     for (int i = 0; i < 20000; ++i)

@@ -1,0 +1,202 @@
+#pragma once
+
+// What the classes of the generated-shape model share, as generated code
+// would have it in its common file: the enumeration function pairs, the
+// class factory, and the collections of classes, texts and enumerations.
+// Everything lives in the namespace urn:m.
+
+#include "MxXmlLib.h"
+#include "collections/Element.h"
+#include "collections/XmlCollection.h"
+#include "collections/XmlTypeCollection.h"
+#include "metadata/ElementInfoAll.h"
+#include "metadata/ElementInfoChoice.h"
+#include "metadata/ElementInfoSeq.h"
+
+#include <string>
+#include <vector>
+
+namespace MxTestModel
+{
+
+constexpr char const *kNs = "urn:m";
+
+// Priority: "low" 0, "normal" 1, "high" 2; an unknown text gives -1.
+char const *PriorityToString(int value);
+int StringToPriority(char const *text);
+// Status: "open" 0, "closed" 1.
+char const *StatusToString(int value);
+int StringToStatus(char const *text);
+
+// Class numbers of the factory by number.
+enum ClassId
+{
+    ClassId_Party = 1,
+    ClassId_Dimensions = 2,
+    ClassId_Contact = 3,
+    ClassId_Price = 4,
+    ClassId_Memo = 5,
+};
+
+class CModelFactory : public MxXmlLib::CClassfactoryBase
+{
+public:
+    static MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> MakeByNumber(int classId, char const *elementName);
+    // xsi:type "card" or "cash" in urn:m; anything else has no class.
+    static MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> MakePayment(MxXmlLib::CXmlElement *element);
+    // Inline shapes, judged by the element at the cursor: a `radius` is a
+    // circle, a `side` a tile.
+    static MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> MakeShape(MxXmlLib::CXmlElement *element);
+    static MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> MakeTile(MxXmlLib::CXmlElement *element);
+};
+
+// Holds the tables' lock for one scope.
+class CInitLock
+{
+public:
+    CInitLock() { MxXmlLib::CXmlGeneratedClass::m_csInit.Enter(); }
+    ~CInitLock() { MxXmlLib::CXmlGeneratedClass::m_csInit.Leave(); }
+    CInitLock(CInitLock const &) = delete;
+    CInitLock &operator=(CInitLock const &) = delete;
+};
+
+// A generated collection of objects: items of a real element are the
+// siblings of the collection's name, each made by number or, for a
+// substitutable class, by the element; inline items read on from the cursor
+// while they take something.
+class CObjectCol : public MxXmlLib::CXmlCollection
+{
+public:
+    CObjectCol(char const *elementName, int minOccurs, int maxOccurs, MxXmlLib::CClassfactoryBase::FactoryByNumber byNumber,
+               int classId, MxXmlLib::CClassfactoryBase::FactoryByElement byElement, bool inlineItems);
+    MxXmlLib::CXmlObjectBase *GetBase() override { return this; }
+    using MxXmlLib::CXmlObjectBase::GetBase;
+    void Add(MxXmlLib::CXmlObjectBase *item) { AppendItem(item); }
+    MxXmlLib::CXmlObjectBase *Item(int index) const { return GetNodeAtIndex(index)->item; }
+
+protected:
+    ~CObjectCol() override = default;
+    void ToXml_Int(MxXmlLib::CXmlWriter *writer, bool isRoot, char const *namespaceUri,
+                   MxXmlLib::CSerializationContext const &context, bool optionalChoice) const override;
+    MxXmlLib::CXmlElement *FromXml_Int(MxXmlLib::CXmlElement *parent, MxXmlLib::CXmlElement *current,
+                                       MxXmlLib::CSerializationContext const &context, bool optionalChoice) override;
+
+private:
+    MxXmlLib::CClassfactoryBase::FactoryByNumber m_byNumber;
+    int m_classId;
+    MxXmlLib::CClassfactoryBase::FactoryByElement m_byElement;
+    bool m_inlineItems;
+};
+
+// Repeated primitives kept as their canonical text: a stand-in for the
+// library's typed collections.
+class CTextCol : public MxXmlLib::CXmlTypeCollection
+{
+public:
+    CTextCol(MxXmlLib::ItemType itemType, char const *elementName, int minOccurs, int maxOccurs);
+    MxXmlLib::CXmlObjectBase *GetBase() override { return this; }
+    using MxXmlLib::CXmlObjectBase::GetBase;
+    int GetCount() const override { return static_cast<int>(m_items.size()); }
+    void Clear() override { m_items.clear(); }
+    void Remove(int index) override { m_items.erase(m_items.begin() + index); }
+    void Add(std::string text) { AddFromString(std::move(text)); }
+    std::vector<std::string> const &Items() const { return m_items; }
+
+protected:
+    ~CTextCol() override = default;
+    void AddFromString(std::string text) override;
+    void ToXml_Int(MxXmlLib::CXmlWriter *writer, bool isRoot, char const *namespaceUri,
+                   MxXmlLib::CSerializationContext const &context, bool optionalChoice) const override;
+
+private:
+    std::vector<std::string> m_items;
+};
+
+// Repeated enumeration values, named by a function pair.
+class CEnumCol : public MxXmlLib::CXmlTypeCollection
+{
+public:
+    CEnumCol(char const *elementName, int minOccurs, int maxOccurs, char const *(*toString)(int),
+             int (*fromString)(char const *));
+    MxXmlLib::CXmlObjectBase *GetBase() override { return this; }
+    using MxXmlLib::CXmlObjectBase::GetBase;
+    int GetCount() const override { return static_cast<int>(m_items.size()); }
+    void Clear() override { m_items.clear(); }
+    void Remove(int index) override { m_items.erase(m_items.begin() + index); }
+    void Add(int value) { m_items.push_back(value); }
+    std::vector<int> const &Items() const { return m_items; }
+
+protected:
+    ~CEnumCol() override = default;
+    void AddFromString(std::string text) override;
+    void ToXml_Int(MxXmlLib::CXmlWriter *writer, bool isRoot, char const *namespaceUri,
+                   MxXmlLib::CSerializationContext const &context, bool optionalChoice) const override;
+
+private:
+    char const *(*m_toString)(int);
+    int (*m_fromString)(char const *);
+    std::vector<int> m_items;
+};
+
+// Helpers of the property functions: a primitive property is held as the
+// cell itself; an object property as a counted pointer.
+void AccessCell(bool read, MxXmlLib::MxVariant &value, MxXmlLib::MxVariant &property);
+template <typename T>
+void AccessObject(bool read, MxXmlLib::MxVariant &value, MxXmlLib::CSmartPtr<T> &property)
+{
+    if (read)
+        value.SetXmlObject(property.Get());
+    else
+        property = dynamic_cast<T *>(value.GetXmlObject().Get());
+}
+
+// The static tables of one generated class.
+struct CTables
+{
+    MxXmlLibData::CParentElementInfo *info = nullptr;
+    MxXmlLibData::CElementInfo **elements = nullptr;
+    MxXmlLibData::CAttributeInfo **attributes = nullptr;
+};
+
+// What every generated class of the model writes the same way: its tables,
+// built by `Derived::BuildTables` on first use under m_csInit and shared by
+// all its objects, and released by CleanMetaData.
+template <typename Derived> class CGenerated : public MxXmlLib::CXmlGeneratedClass
+{
+public:
+    MxXmlLib::CXmlObjectBase *GetBase() override { return this; }
+    using MxXmlLib::CXmlObjectBase::GetBase;
+    std::string GetNamespace() const override { return kNs; }
+    MxXmlLibData::CParentElementInfo *GetParentElementInfo() override { return Tables().info; }
+    MxXmlLibData::CElementInfo **GetClassElementInfo() override { return Tables().elements; }
+    MxXmlLibData::CAttributeInfo **GetClassAttributeInfo() override { return Tables().attributes; }
+
+    static void CleanMetaData()
+    {
+        CInitLock lock;
+        MxXmlLib::CXmlGeneratedClass::CleanMetaData(s_tables.info, s_tables.elements, s_tables.attributes);
+    }
+    static bool TablesBuilt() { return s_tables.info != nullptr; }
+
+protected:
+    ~CGenerated() override = default;
+    std::string GetTargetNamespace() const override { return kNs; }
+
+private:
+    static CTables &Tables()
+    {
+        CInitLock lock;
+        if (s_tables.info == nullptr)
+            Derived::BuildTables(s_tables);
+        return s_tables;
+    }
+    static inline CTables s_tables;
+};
+
+// No facets at all.
+MxXmlLib::CPrimitiveRestrictions NoFacets();
+
+// Releases the tables of every class of the model; the next use builds them again.
+void UnloadModel();
+
+} // namespace MxTestModel
