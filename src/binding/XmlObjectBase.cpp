@@ -5,8 +5,11 @@
 #include "document/XmlDocument.h"
 #include "document/XmlTextWriter.h"
 #include "metadata/NamespaceRules.h"
-#include "runtime/TextStream.h"
+#include "runtime/Compression.h"
+#include "runtime/FileBinaryStream.h"
+#include "runtime/FileTextStream.h"
 #include "runtime/FormatString.h"
+#include "runtime/TextStream.h"
 #include "runtime/MxException.h"
 #include "runtime/platform/Platform.h"
 
@@ -121,11 +124,9 @@ void CXmlObjectBase::CheckVersion()
                                     kRuntimeMinor, g_generatorMajor, g_generatorMinor));
 }
 
-std::string CXmlObjectBase::ToXml(bool includeDocHeader, bool formatted, EOLType eolType,
+void CXmlObjectBase::WriteXmlText(CTextStream &stream, bool includeDocHeader, bool formatted, EOLType eolType,
                                   CSerializationContext const &context) const
 {
-    CheckVersion();
-    CTextStream stream(XmlEncoding_None);
     CXmlTextWriter writer(&stream);
     stream.Start();
     writer.SetFormatted(formatted);
@@ -139,7 +140,58 @@ std::string CXmlObjectBase::ToXml(bool includeDocHeader, bool formatted, EOLType
     stream.End();
     if (writer.GetCurrentContext())
         throw CMxException("An Element has not been closed.");
+}
+
+void CXmlObjectBase::ToXmlFile(char const *fileName, bool includeDocHeader, bool formatted, XmlEncoding encoding,
+                               EOLType eolType, CSerializationContext const &context,
+                               CompressionType compression) const
+{
+    // Refused before the version check: no file form can write zlib data.
+    if (compression == CompressionZLib)
+        throw CMxException("ZLIB Compression only available for To Stream methods.");
+    if (!IsAsyncToXmlFile() || compression != CompressionNone)
+    {
+        CFileBinaryStream file(fileName, encoding,
+                               ToXmlStream(includeDocHeader, formatted, encoding, eolType, context, compression));
+        file.WriteFile();
+        return;
+    }
+    CheckVersion();
+    // After a failure the file stays as far as it was written.
+    CFileTextStream stream(fileName, encoding);
+    WriteXmlText(stream, includeDocHeader, formatted, eolType, context);
+}
+
+std::string CXmlObjectBase::ToXml(bool includeDocHeader, bool formatted, EOLType eolType,
+                                  CSerializationContext const &context) const
+{
+    CheckVersion();
+    CTextStream stream(XmlEncoding_None);
+    WriteXmlText(stream, includeDocHeader, formatted, eolType, context);
     return stream.TextAsString();
+}
+
+CBinaryData CXmlObjectBase::ToXmlStream(bool includeDocHeader, bool formatted, XmlEncoding encoding,
+                                        EOLType eolType, CSerializationContext const &context,
+                                        CompressionType compression) const
+{
+    CheckVersion();
+    CTextStream stream(encoding);
+    WriteXmlText(stream, includeDocHeader, formatted, eolType, context);
+    // An encoding that cannot be written fails only here, once all is built.
+    CBinaryData bytes = stream.GetBytes();
+    if (compression != CompressionNone)
+        Compress(bytes, compression);
+    return bytes;
+}
+
+void CXmlObjectBase::FromXmlFile(char const *fileName, CSerializationContext const &context)
+{
+    CheckVersion();
+    CXmlDocument document(context);
+    document.Load(fileName);
+    CXmlElement *root = document.GetDocumentElement();
+    FromXml_Int(root, root ? root->GetFirstElement() : nullptr, context, false);
 }
 
 void CXmlObjectBase::FromXml(wchar_t const *text, CSerializationContext const &context)
@@ -156,6 +208,21 @@ void CXmlObjectBase::FromXml(char const *text, CSerializationContext const &cont
     CheckVersion();
     CXmlDocument document(context);
     document.LoadXml(text);
+    CXmlElement *root = document.GetDocumentElement();
+    FromXml_Int(root, root ? root->GetFirstElement() : nullptr, context, false);
+}
+
+void CXmlObjectBase::FromXmlStream(CBinaryData const &data, CSerializationContext const &context)
+{
+    FromXmlStream(const_cast<unsigned char *>(data.GetData()), data.GetLength(), context);
+}
+
+void CXmlObjectBase::FromXmlStream(unsigned char *const bytes, unsigned long length,
+                                   CSerializationContext const &context)
+{
+    CheckVersion();
+    CXmlDocument document(context);
+    document.LoadXmlStream(bytes, length);
     CXmlElement *root = document.GetDocumentElement();
     FromXml_Int(root, root ? root->GetFirstElement() : nullptr, context, false);
 }

@@ -7,7 +7,9 @@
 
 #include "binding/SerializationContext.h"
 #include "runtime/InstanceMonitor.h"
+#include "values/BinaryData.h"
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -23,6 +25,11 @@ class CExpatReader;
 class CFastInfosetReader;
 class CNameTable;
 class CNodePool;
+
+namespace Platform
+{
+class NativeFile;
+}
 
 class CXmlAttribute : public CInstanceMonitor
 {
@@ -144,6 +151,15 @@ public:
     void LoadXml(char const *text);
     // Wide text is passed to the parser as UTF-16 behind a byte order mark.
     void LoadXml(wchar_t const *text);
+    // Reads and parses a file. With AsyncFromXmlFile set, the file is read in
+    // chunks of 0x20000 bytes, parsed as they come and not tried for
+    // compression; otherwise it is read whole and goes the way of
+    // LoadXmlStream. File errors raise CMxException with the system's errno.
+    void Load(char const *fileName);
+    // Parses bytes that may be gzip or zlib compressed (tried first, whatever
+    // they are), then Fast Infoset, else XML text. A length of 0 (or null
+    // bytes) raises "XML Stream is empty!". The bytes are only read.
+    void LoadXmlStream(unsigned char *const bytes, unsigned long length);
 
     CXmlElement *GetDocumentElement() const { return m_documentElement; }
     CSerializationContext const &GetContext() const { return m_context; }
@@ -171,6 +187,22 @@ private:
     static void AppendTextExcludingCR(CXmlElement *element, char const *text);
     void Init();
     void ParseText();
+    // Decompression attempt, then Fast Infoset, then XML text.
+    void Parse();
+    // Fast Infoset documents are recognised by their header and read into
+    // this tree; until that reader exists, no input is taken as one.
+    bool ParseFastInfosetIfPresent() { return false; }
+    void LoadWholeFile(char const *fileName);
+    void LoadFileInChunks(char const *fileName);
+    // Parses the chunk in the buffer and reads the next into the spare one,
+    // until the final chunk; cleans up and closes the file on failure.
+    void AsyncParse(bool last);
+    // Reads the next chunk at the file offset into `buffer`; true at the end
+    // of the file (nothing read), with the byte count in m_chunkBytes.
+    bool ReadChunkFromFile(unsigned char *buffer);
+    void CloseFile();
+    // A new owned buffer of `length` bytes, not filled.
+    void NewBuffer(unsigned long length);
     // Takes ownership of a copy of the bytes as the input buffer.
     void SetBuffer(void const *data, unsigned long length);
     // Parses the caller's bytes in place: a synchronous load needs no copy.
@@ -195,6 +227,13 @@ private:
     CXmlAttribute *NewAttribute(CXmlElement const *element, std::string const *localName,
                                 std::string const *namespaceUri);
     void DestroyAttribute(CXmlAttribute *attribute);
+    // The chunked file load: where the next chunk comes from, the file, and
+    // the size of the chunk read last.
+    std::uint64_t m_fileOffset;
+    std::unique_ptr<Platform::NativeFile> m_file;
+    unsigned long m_chunkBytes;
+    // Decompressed input: the buffer then points into it.
+    CBinaryData m_inflated;
 };
 
 } // namespace MxXmlLib
