@@ -139,10 +139,14 @@ protected:
     std::vector<T> Items; // a packed vector of bits for bool
 };
 
-// The overloaded conversions, each taken in its one-argument form.
-inline constexpr std::string (*kR4ToString)(float) = &CConversions::r4ToString;
-inline constexpr std::string (*kR8ToString)(double) = &CConversions::r8ToString;
-inline constexpr std::string (*kDecimalToString)(CDecimal const &) = &CConversions::decimalToString;
+// The overloaded conversions, each taken in its one-argument form: the
+// collections write with the default format.
+namespace PrimitiveColText
+{
+inline constexpr std::string (*R4)(float) = &CConversions::r4ToString;
+inline constexpr std::string (*R8)(double) = &CConversions::r8ToString;
+inline constexpr std::string (*Decimal)(CDecimal const &) = &CConversions::decimalToString;
+} // namespace PrimitiveColText
 
 class Ci1Col : public CPrimitiveCol<char, ItemType_i1, &CConversions::i1ToString, &CConversions::i1FromString,
                                     &MxVariant::SetI1>
@@ -225,7 +229,8 @@ protected:
 };
 
 // Written with the default format, "%.7g".
-class Cr4Col : public CPrimitiveCol<float, ItemType_r4, kR4ToString, &CConversions::r4FromString, &MxVariant::SetR4>
+class Cr4Col
+    : public CPrimitiveCol<float, ItemType_r4, PrimitiveColText::R4, &CConversions::r4FromString, &MxVariant::SetR4>
 {
 public:
     using CPrimitiveCol::CPrimitiveCol;
@@ -235,7 +240,8 @@ protected:
 };
 
 // Written with the default format, "%.16g".
-class Cr8Col : public CPrimitiveCol<double, ItemType_r8, kR8ToString, &CConversions::r8FromString, &MxVariant::SetR8>
+class Cr8Col
+    : public CPrimitiveCol<double, ItemType_r8, PrimitiveColText::R8, &CConversions::r8FromString, &MxVariant::SetR8>
 {
 public:
     using CPrimitiveCol::CPrimitiveCol;
@@ -266,7 +272,7 @@ protected:
 };
 
 // Written with all places held.
-class CdecimalCol : public CPrimitiveCol<CDecimal, ItemType_decimal, kDecimalToString,
+class CdecimalCol : public CPrimitiveCol<CDecimal, ItemType_decimal, PrimitiveColText::Decimal,
                                          &CConversions::decimalFromString, &MxVariant::SetDecimal>
 {
 public:

@@ -4,9 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <functional>
-#include <sstream>
 
 using namespace MxXmlLib;
 using namespace MxCollectionTest;
@@ -164,7 +165,37 @@ std::vector<RoundTripCase> RoundTripCases()
     };
 }
 
-void CheckRoundTrip(RoundTripCase const &c);
+// The three entities that the texts of the table use.
+std::string Unescape(std::string text)
+{
+    static char const *const kEntities[][2] = {{"&lt;", "<"}, {"&gt;", ">"}, {"&amp;", "&"}};
+    for (auto const &entity : kEntities)
+        for (std::string::size_type at; (at = text.find(entity[0])) != std::string::npos;)
+            text.replace(at, std::strlen(entity[0]), entity[1]);
+    return text;
+}
+
+void CheckRoundTrip(RoundTripCase const &c)
+{
+    CSmartPtr<CXmlTypeCollection> collection = c.make(c.rule, Facets(), 0, -1);
+    EXPECT_EQ("w", Read(collection, "<r>" + Elements(c.in) + "<w/><v>9</v></r>"));
+    EXPECT_EQ(static_cast<int>(c.in.size()), collection->GetCount());
+    std::vector<std::string> const &out = c.out.empty() ? c.in : c.out;
+    EXPECT_EQ("<r>" + Elements(out) + "</r>", WriteText(collection));
+
+    // Each item goes out as one element of the collection's name with the
+    // type's own number (the date family: always that of datetime).
+    std::string trace;
+    for (auto const &text : out)
+        trace += "<v>[" + std::to_string(c.writerType) + "]" + Unescape(text) + "</>";
+    EXPECT_EQ(trace, WriteTrace(collection));
+
+    if (!c.rereads)
+        return;
+    CSmartPtr<CXmlTypeCollection> again = c.make(c.rule, Facets(), 0, -1);
+    EXPECT_EQ("(end)", Read(again, WriteText(collection)));
+    EXPECT_EQ(WriteText(collection), WriteText(again));
+}
 } // namespace
 
 TEST_F(PrimitiveCollections, EveryTypeReadsARunAndWritesItBackByteForByte)
@@ -175,41 +206,6 @@ TEST_F(PrimitiveCollections, EveryTypeReadsARunAndWritesItBackByteForByte)
         EXPECT_EQ("no error", ErrorOf([&] { CheckRoundTrip(c); }));
     }
 }
-
-namespace
-{
-void CheckRoundTrip(RoundTripCase const &c)
-{
-    {
-        CSmartPtr<CXmlTypeCollection> collection = c.make(c.rule, Facets(), 0, -1);
-        EXPECT_EQ("w", Read(collection, "<r>" + Elements(c.in) + "<w/><v>9</v></r>"));
-        EXPECT_EQ(static_cast<int>(c.in.size()), collection->GetCount());
-        std::vector<std::string> const &out = c.out.empty() ? c.in : c.out;
-        EXPECT_EQ("<r>" + Elements(out) + "</r>", WriteText(collection));
-
-        // Each item goes out as one element of the collection's name with the
-        // type's own number (the date family: always that of datetime).
-        std::string trace;
-        for (auto const &text : out)
-            trace += "<v>[" + std::to_string(c.writerType) + "]" + text + "</>";
-        std::string expected = trace;
-        for (std::string::size_type at; (at = expected.find("&lt;")) != std::string::npos;)
-            expected.replace(at, 4, "<");
-        for (std::string::size_type at; (at = expected.find("&gt;")) != std::string::npos;)
-            expected.replace(at, 4, ">");
-        for (std::string::size_type at; (at = expected.find("&amp;")) != std::string::npos;)
-            expected.replace(at, 5, "&");
-        EXPECT_EQ(expected, WriteTrace(collection));
-
-        // What was written reads back to the same text.
-        if (!c.rereads)
-            return;
-        CSmartPtr<CXmlTypeCollection> again = c.make(c.rule, Facets(), 0, -1);
-        EXPECT_EQ("(end)", Read(again, WriteText(collection)));
-        EXPECT_EQ(WriteText(collection), WriteText(again));
-    }
-}
-} // namespace
 
 TEST_F(PrimitiveCollections, TypedAccessSeesTheValuesRead)
 {
@@ -371,7 +367,8 @@ TEST_F(PrimitiveCollections, FacetsAreTestedOnEveryAddWithTheirOwnMessages)
          "Invalid Value for v [2000-01-02]."},
         {"datetime min exclusive", MakerOf<CdatetimeCol>(), Exclusive("2000-01-01T00:00:00", nullptr),
          "2000-01-01T00:00:00", "Invalid Value for v [2000-01-01T00:00:00]."},
-        {"time max", MakerOf<CtimeCol>(), Inclusive(nullptr, "12:00:00"), "12:00:01", "Invalid Value for v [12:00:01]."},
+        {"time max", MakerOf<CtimeCol>(), Inclusive(nullptr, "12:00:00"), "12:00:01",
+         "Invalid Value for v [12:00:01]."},
         {"yearMonth min", MakerOf<CyearMonthCol>(), Inclusive("2000-01", nullptr), "1999-12",
          "Invalid Value for v [1999-12]."},
         {"monthDay max", MakerOf<CmonthDayCol>(), Inclusive(nullptr, "--06-30"), "--07-01",
@@ -543,7 +540,9 @@ TEST_F(PrimitiveCollections, TheDateFamilyTestsFormAndFacetsBeforeTheAddEvent)
         {"monthDay", [] { return CSmartPtr<CdatetimeBaseCol>(Make<CmonthDayCol>().Get()); }, "--02-03",
          "Dates added to this collection must be of type dt_gMonthDay"},
     };
-    CDateTime const others[] = {CDateTime("2001-02-03T04:05:06"), CConversions::dateFromString("2001-02-03", Rule::None),
+    // One value of each form, and one of none.
+    CDateTime const others[] = {CDateTime("2001-02-03T04:05:06"),
+                                CConversions::dateFromString("2001-02-03", Rule::None),
                                 CConversions::timeFromString("04:05:06", Rule::None),
                                 CConversions::dateFromString("2001-02", Rule::None),
                                 CConversions::dateFromString("--02-03", Rule::None),
