@@ -347,9 +347,9 @@ void COrder::Init()
     deposit = nullptr;
     line = PartyCol("line", 0);
     tender = PaymentCol("tender", 0);
-    tag = new CTextCol(ItemType_string, "tag", 0, -1);
+    tag = NewPrimitiveCol<CstringCol>("tag", 0, -1);
     flag = new CEnumCol("flag", 0, -1, &PriorityToString, &StringToPriority);
-    code = new CTextCol(ItemType_i4, "code", 0, 3);
+    code = NewPrimitiveCol<Ci4Col>("code", 0, 3);
     anyAttributes = new CAttributeCol("", "##other", kNs);
 }
 
@@ -470,7 +470,7 @@ void CPicks::AccessProperty(int index, bool read, MxVariant &value)
 
 void CPicks::Init()
 {
-    code = new CTextCol(ItemType_string, "code", 1, -1);
+    code = NewPrimitiveCol<CstringCol>("code", 1, -1);
     mark = new CEnumCol("mark", 1, -1, &PriorityToString, &StringToPriority);
     line = PartyCol("line", 1);
     tender = PaymentCol("tender", 1);
@@ -597,8 +597,8 @@ void CBag::Init()
 {
     line = PartyCol("line", 0);
     tender = PaymentCol("tender", 0);
-    tag = new CTextCol(ItemType_string, "tag", 0, 2);
-    code = new CTextCol(ItemType_i4, "code", 0, -1);
+    tag = NewPrimitiveCol<CstringCol>("tag", 0, 2);
+    code = NewPrimitiveCol<Ci4Col>("code", 0, -1);
     dims = new CObjectCol("dims", 0, -1, &CModelFactory::MakeByNumber, ClassId_Dimensions, nullptr, true);
     rest = new CElementCol("", "##any", kNs, 0, -1);
 }

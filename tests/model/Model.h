@@ -134,7 +134,8 @@ public:
     CSmartPtr<CPrice> total;
     CSmartPtr<MxXmlLib::CXmlObjectBase> payment, deposit;
     CSmartPtr<CObjectCol> line, tender;
-    CSmartPtr<CTextCol> tag, code;
+    CSmartPtr<MxXmlLib::CstringCol> tag;
+    CSmartPtr<MxXmlLib::Ci4Col> code;
     CSmartPtr<CEnumCol> flag;
     CSmartPtr<MxXmlLib::CAttributeCol> anyAttributes;
 };
@@ -178,7 +179,8 @@ public:
     void AccessProperty(int index, bool read, MxVariant &value) override;
     void Init() override;
     static void BuildTables(CTables &tables);
-    CSmartPtr<CTextCol> code, num;
+    CSmartPtr<MxXmlLib::CstringCol> code;
+    CSmartPtr<CTextCol> num;
     CSmartPtr<CEnumCol> mark;
     CSmartPtr<CObjectCol> line, tender;
 };
@@ -219,7 +221,8 @@ public:
     void Init() override;
     static void BuildTables(CTables &tables);
     CSmartPtr<CObjectCol> line, tender, dims;
-    CSmartPtr<CTextCol> tag, code;
+    CSmartPtr<MxXmlLib::CstringCol> tag;
+    CSmartPtr<MxXmlLib::Ci4Col> code;
     CSmartPtr<MxXmlLib::CElementCol> rest;
 };
 

@@ -7,6 +7,7 @@
 
 #include "MxXmlLib.h"
 #include "collections/Element.h"
+#include "collections/PrimitiveCollections.h"
 #include "collections/XmlCollection.h"
 #include "collections/XmlTypeCollection.h"
 #include "metadata/ElementInfoAll.h"
@@ -88,8 +89,15 @@ private:
     bool m_inlineItems;
 };
 
-// Repeated primitives kept as their canonical text: a stand-in for the
-// library's typed collections.
+// A collection of the library's primitives in urn:m, without facets, items
+// collapsed as generated code has it for tokens and numbers.
+template <typename Col> Col *NewPrimitiveCol(char const *elementName, int minOccurs, int maxOccurs)
+{
+    return new Col(elementName, kNs, minOccurs, maxOccurs, nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1,
+                   -1, -1, MxXmlLib::CWhitespaceUtils::WhitespaceRule::Collapse);
+}
+
+// Repeated primitives kept as their canonical text, filled from text.
 class CTextCol : public MxXmlLib::CXmlTypeCollection
 {
 public:
