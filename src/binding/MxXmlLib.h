@@ -49,3 +49,4 @@
 #include "runtime/FileBinaryStream.h"
 #include "runtime/FileTextStream.h"
 #include "runtime/Compression.h"
+#include "collections/PrimitiveCollections.h"
