@@ -384,7 +384,7 @@ TEST_F(ModelTest, WritingCollectionsAndChoices)
               Write(*picks));
     EXPECT_EQ("<picks xmlns=\"urn:m\"/>", Write(*picks, IgnoreChoice));
     // The first alternative that writes ends the choice.
-    picks->num->Add("1");
+    picks->num->Add(1);
     picks->mark->Add(2);
     EXPECT_EQ("<picks xmlns=\"urn:m\"><mark>high</mark></picks>", Write(*picks));
 }

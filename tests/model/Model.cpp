@@ -474,7 +474,7 @@ void CPicks::Init()
     mark = new CEnumCol("mark", 1, -1, &PriorityToString, &StringToPriority);
     line = PartyCol("line", 1);
     tender = PaymentCol("tender", 1);
-    num = new CTextCol(ItemType_i4, "num", 1, 2);
+    num = NewPrimitiveCol<Ci4Col>("num", 1, 2);
 }
 
 // ---------------------------------------------------------------------------

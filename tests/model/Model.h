@@ -180,7 +180,7 @@ public:
     void Init() override;
     static void BuildTables(CTables &tables);
     CSmartPtr<MxXmlLib::CstringCol> code;
-    CSmartPtr<CTextCol> num;
+    CSmartPtr<MxXmlLib::Ci4Col> num;
     CSmartPtr<CEnumCol> mark;
     CSmartPtr<CObjectCol> line, tender;
 };

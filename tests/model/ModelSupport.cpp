@@ -147,29 +147,6 @@ CXmlElement *CObjectCol::FromXml_Int(CXmlElement *parent, CXmlElement *current, 
     return current;
 }
 
-CTextCol::CTextCol(ItemType itemType, char const *elementName, int minOccurs, int maxOccurs)
-    : CXmlTypeCollection(itemType, elementName, kNs, minOccurs, maxOccurs, nullptr, -1, -1, nullptr, nullptr, nullptr,
-                         nullptr, -1, -1, -1, CWhitespaceUtils::WhitespaceRule::Collapse, nullptr)
-{
-}
-
-void CTextCol::AddFromString(std::string text)
-{
-    MxVariant value;
-    value.FromString(text, GetItemType(), GetWhitespaceRule());
-    m_items.push_back(value.ToString(GetFormat().c_str()));
-}
-
-void CTextCol::ToXml_Int(CXmlWriter *writer, bool, char const *, CSerializationContext const &context, bool) const
-{
-    ValidateCount(context);
-    for (std::string const &item : m_items)
-    {
-        writer->StartElement(GetElementName(), GetNamespace());
-        writer->WriteText(item, GetItemType(), false);
-        writer->EndElement();
-    }
-}
 
 CEnumCol::CEnumCol(char const *elementName, int minOccurs, int maxOccurs, char const *(*toString)(int),
                    int (*fromString)(char const *))

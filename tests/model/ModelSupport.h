@@ -97,29 +97,6 @@ template <typename Col> Col *NewPrimitiveCol(char const *elementName, int minOcc
                    -1, -1, MxXmlLib::CWhitespaceUtils::WhitespaceRule::Collapse);
 }
 
-// Repeated primitives kept as their canonical text, filled from text.
-class CTextCol : public MxXmlLib::CXmlTypeCollection
-{
-public:
-    CTextCol(MxXmlLib::ItemType itemType, char const *elementName, int minOccurs, int maxOccurs);
-    MxXmlLib::CXmlObjectBase *GetBase() override { return this; }
-    using MxXmlLib::CXmlObjectBase::GetBase;
-    int GetCount() const override { return static_cast<int>(m_items.size()); }
-    void Clear() override { m_items.clear(); }
-    void Remove(int index) override { m_items.erase(m_items.begin() + index); }
-    void Add(std::string text) { AddFromString(std::move(text)); }
-    std::vector<std::string> const &Items() const { return m_items; }
-
-protected:
-    ~CTextCol() override = default;
-    void AddFromString(std::string text) override;
-    void ToXml_Int(MxXmlLib::CXmlWriter *writer, bool isRoot, char const *namespaceUri,
-                   MxXmlLib::CSerializationContext const &context, bool optionalChoice) const override;
-
-private:
-    std::vector<std::string> m_items;
-};
-
 // Repeated enumeration values, named by a function pair.
 class CEnumCol : public MxXmlLib::CXmlTypeCollection
 {
