@@ -4,6 +4,8 @@
 #include "collections/XmlCollectionBase.h"
 #include "document/XmlDocument.h"
 #include "document/XmlTextWriter.h"
+#include "json/JsonContext.h"
+#include "json/JsonTextWriter.h"
 #include "metadata/NamespaceRules.h"
 #include "runtime/TextStream.h"
 #include "runtime/FormatString.h"
@@ -140,6 +142,73 @@ std::string CXmlObjectBase::ToXml(bool includeDocHeader, bool formatted, EOLType
     if (writer.GetCurrentContext())
         throw CMxException("An Element has not been closed.");
     return stream.TextAsString();
+}
+
+std::string CXmlObjectBase::ToJson(bool formatted, EOLType eolType, CSerializationContext const &context) const
+{
+    CheckVersion();
+    CTextStream stream(XmlEncoding_None);
+    CJsonTextWriter writer(&stream);
+    stream.Start();
+    writer.SetFormatted(formatted);
+    writer.SetIndentChars(context.GetIndentChars());
+    writer.SetEolType(eolType);
+    writer.SetRoundTrip(context.GetJsonContext().GetSupportRoundtrip());
+    writer.WriteDocumentStart();
+    std::string const targetNamespace = GetTargetNamespace();
+    ToXml_Int(&writer, true, targetNamespace.c_str(), context, false);
+    writer.WriteDocumentEnd();
+    stream.End();
+    if (writer.GetCurrentContext())
+        throw CMxException("An Element has not been closed.");
+    return stream.TextAsString();
+}
+
+void CXmlObjectBase::FromJson(wchar_t const *text, CSerializationContext const &context)
+{
+    CheckVersion();
+    CXmlDocument document(context);
+    CBinaryData const xml = document.LoadJson(text);
+    FromJson_Int(xml, context);
+}
+
+void CXmlObjectBase::FromJson(char const *text, CSerializationContext const &context)
+{
+    CheckVersion();
+    CXmlDocument document(context);
+    CBinaryData const xml = document.LoadJson(text);
+    FromJson_Int(xml, context);
+}
+
+void CXmlObjectBase::FromJson_Int(CBinaryData const &xml, CSerializationContext const &context)
+{
+    // Without full round trips the JSON keeps no namespaces, so matching must
+    // ignore them for this call. The caller's context is const, but is
+    // changed here on purpose and put back on every way out.
+    bool const ignoredBefore = context.GetIgnoreNamespaces();
+    auto &writable = const_cast<CSerializationContext &>(context);
+    if (context.GetJsonContext().GetSupportRoundtrip() != RoundTripFull)
+        writable.SetIgnoreNamespaces(true);
+    auto restore = [&] {
+        if (context.GetJsonContext().GetSupportRoundtrip() != RoundTripFull)
+            writable.SetIgnoreNamespaces(ignoredBefore);
+    };
+    std::string const text(xml.GetData() ? reinterpret_cast<char const *>(xml.GetData()) : "", xml.GetLength());
+    try
+    {
+        FromXml(text.c_str(), context);
+    }
+    catch (CMxException const &e)
+    {
+        restore();
+        throw CMxException(FormatString("Error converting JSON to XML:\n%s", text.c_str()), e);
+    }
+    catch (...)
+    {
+        restore();
+        throw;
+    }
+    restore();
 }
 
 void CXmlObjectBase::FromXml(wchar_t const *text, CSerializationContext const &context)

@@ -2,6 +2,7 @@
 
 #include "binding/SerializationContext.h"
 #include "runtime/EventSink.h"
+#include "values/BinaryData.h"
 
 #include <atomic>
 #include <string>
@@ -43,11 +44,24 @@ public:
     // encoding.
     virtual std::string ToXml(bool includeDocHeader = true, bool formatted = true, EOLType eolType = LF,
                               CSerializationContext const &context = CSerializationContext::GetDefaultContext()) const;
+    // The object as JSON text in the local encoding: an object with one key,
+    // the root element's name. The context's JSON context sets the round trip
+    // mode. See CJsonTextWriter for what is and is not valid JSON.
+    virtual std::string ToJson(bool formatted = true, EOLType eolType = LF,
+                               CSerializationContext const &context = CSerializationContext::GetDefaultContext()) const;
 
     virtual void FromXml(wchar_t const *text,
                          CSerializationContext const &context = CSerializationContext::GetDefaultContext());
     virtual void FromXml(char const *text,
                          CSerializationContext const &context = CSerializationContext::GetDefaultContext());
+    // JSON is read by way of its XML translation. JSON syntax errors pass
+    // unchanged; errors of the XML reading come wrapped in "Error converting
+    // JSON to XML:" with the XML text. Unless the round trip mode is full,
+    // namespaces are ignored for the call (the context is changed meanwhile).
+    virtual void FromJson(wchar_t const *text,
+                          CSerializationContext const &context = CSerializationContext::GetDefaultContext());
+    virtual void FromJson(char const *text,
+                          CSerializationContext const &context = CSerializationContext::GetDefaultContext());
     // Reads from an element of a tree that the caller keeps.
     virtual void FromXmlElement(CXmlElement const *element,
                                 CSerializationContext const &context = CSerializationContext::GetDefaultContext());
@@ -125,6 +139,9 @@ protected:
     static void Choice_CollectionChanged(char const *name, long count, std::string &current);
 
 private:
+    // Reads the XML translation of a JSON text.
+    void FromJson_Int(CBinaryData const &xml, CSerializationContext const &context);
+
     std::string m_elementName;
     std::atomic<long> m_refCount;
 };

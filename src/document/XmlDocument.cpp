@@ -2,12 +2,14 @@
 
 #include "document/ExpatReader.h"
 #include "document/NameTable.h"
+#include "json/JsonHandlers.h"
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <cwchar>
 
 namespace MxXmlLib
 {
@@ -382,6 +384,28 @@ void CXmlDocument::LoadXml(wchar_t const *text)
     }
     SetBuffer(bytes.data(), bytes.size());
     ParseText();
+}
+
+CBinaryData CXmlDocument::LoadJson(char const *text)
+{
+    if (text == nullptr || *text == '\0')
+        throw CMxException("JSON String is empty!");
+    return ParseJsonText(text);
+}
+
+CBinaryData CXmlDocument::LoadJson(wchar_t const *text)
+{
+    if (text == nullptr || *text == L'\0')
+        throw CMxException("JSON String is empty!");
+    // Two bytes per character: all of a 16-bit wchar_t's bytes, the first
+    // half of a 32-bit one's. Deliberately no conversion.
+    std::size_t const count = std::wcslen(text);
+    return ParseJsonText(std::string(reinterpret_cast<char const *>(text), 2 * count));
+}
+
+CBinaryData CXmlDocument::ParseJsonText(std::string const &json) const
+{
+    return ConvertJsonToXml(json, m_context);
 }
 
 void CXmlDocument::ParseText()

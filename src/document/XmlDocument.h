@@ -7,6 +7,7 @@
 
 #include "binding/SerializationContext.h"
 #include "runtime/InstanceMonitor.h"
+#include "values/BinaryData.h"
 
 #include <map>
 #include <memory>
@@ -134,6 +135,15 @@ public:
     // Wide text is passed to the parser as UTF-16 behind a byte order mark.
     void LoadXml(wchar_t const *text);
 
+    // JSON input is translated, not loaded: these return the XML text of the
+    // JSON (see CJsonReaderToXmlHandler) and leave the tree alone. An empty
+    // text raises "JSON String is empty!". The text is taken as it stands, in
+    // the local encoding.
+    CBinaryData LoadJson(char const *text);
+    // The raw bytes of the wide characters, two per character, unconverted:
+    // only text whose bytes happen to read as JSON gets through.
+    CBinaryData LoadJson(wchar_t const *text);
+
     CXmlElement *GetDocumentElement() const { return m_documentElement; }
     CSerializationContext const &GetContext() const { return m_context; }
     std::string LookupNamespaceFromAlias(char const *prefix) const;
@@ -160,6 +170,8 @@ private:
     static void AppendTextExcludingCR(CXmlElement *element, char const *text);
     void Init();
     void ParseText();
+    // JSON text in the local encoding to XML text.
+    CBinaryData ParseJsonText(std::string const &json) const;
     // Takes ownership of a copy of the bytes as the input buffer.
     void SetBuffer(void const *data, unsigned long length);
     // Parses the caller's bytes in place: a synchronous load needs no copy.
