@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <sstream>
 #include <string>
 
 using namespace MxXmlLib;
@@ -212,6 +214,38 @@ TEST(JsonTextReader, SkipsLongRunsOfCommentsWithoutRecursion)
     for (int i = 0; i < 200000; ++i)
         text += "/**/";
     EXPECT_EQ("< n:1 >", Read(text + "1").trace);
+}
+
+// Texts made by Python's json.dumps (make_python_vectors.py), with the
+// events that Python's own parse of them gives.
+TEST(JsonTextReader, ReadsWhatPythonWritesAsPythonReadsIt)
+{
+    std::ifstream in(MX_TEST_DATA_DIR "/python-vectors.txt", std::ios::binary);
+    std::stringstream buffer;
+    buffer << in.rdbuf();
+    std::string const all = buffer.str();
+    std::size_t at = 0;
+    auto next = [&](char const *tag) {
+        std::size_t const space = all.find(' ', at);
+        EXPECT_EQ(tag, all.substr(at, space - at));
+        std::size_t const newline = all.find('\n', space);
+        std::size_t const length = std::stoul(all.substr(space + 1, newline - space - 1));
+        std::string piece = all.substr(newline + 1, length);
+        at = newline + 1 + length + 1;
+        return piece;
+    };
+    int count = 0;
+    while (at < all.size())
+    {
+        std::string const json = next("json");
+        std::string const trace = next("trace");
+        SCOPED_TRACE(json);
+        Outcome const outcome = Read(json);
+        EXPECT_EQ("", outcome.message);
+        EXPECT_EQ(trace, outcome.trace);
+        ++count;
+    }
+    EXPECT_EQ(300, count);
 }
 
 } // namespace
