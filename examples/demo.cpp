@@ -21,7 +21,7 @@ double MicrosecondsSince(std::chrono::steady_clock::time_point start)
 
 void Print(CPurchaseOrder const &order)
 {
-    std::printf("Purchase order of %s (%s), ship to %s, %s\n", order.orderDate.c_str(),
+    std::printf("Purchase order of %s (%s), ship to %s, %s\n", order.orderDate.ToString().c_str(),
                 Example::OrderStatusToString(static_cast<int>(order.status)), order.shipTo->name.c_str(),
                 order.shipTo->city.c_str());
     if (order.billTo)
@@ -32,12 +32,12 @@ void Print(CPurchaseOrder const &order)
     for (Example::CItem const *item : *order.items->items)
     {
         std::string delivery;
-        if (item->delivery && !item->delivery->shipDate.empty())
-            delivery = "ship " + item->delivery->shipDate;
+        if (item->delivery && item->delivery->hasShipDate)
+            delivery = "ship " + item->delivery->shipDate.ToString();
         else if (item->delivery && !item->delivery->pickup.empty())
             delivery = "pick up at " + item->delivery->pickup;
-        std::printf("%-8s %-14s %8d %10.2f  %s\n", item->partNum.c_str(), item->productName.c_str(),
-                    item->quantity, item->usPrice, delivery.c_str());
+        std::printf("%-8s %-14s %8d %10s  %s\n", item->partNum.c_str(), item->productName.c_str(),
+                    item->quantity, item->usPrice.ToString().c_str(), delivery.c_str());
     }
 }
 } // namespace
@@ -80,6 +80,34 @@ int main(int argc, char **argv)
         std::printf("%-10s %10zu %12.1f %12.1f %10s\n", "XML", written.size(), readTime, writeTime,
                     same ? "same" : "DIFFERS");
         status = same ? 0 : 1;
+
+        // What a reader of a broken order is told: the innermost element's
+        // path, and the chain of causes.
+        // Reading converts values but leaves facets to writing.
+        std::string broken = xml;
+        broken.replace(broken.find("<po:quantity>2<"), 15, "<po:quantity>two<");
+        try
+        {
+            CSmartPtr<CPurchaseOrder> bad(new CPurchaseOrder);
+            bad->FromXml(broken.c_str());
+            std::printf("\nA broken quantity was accepted\n");
+            status = 1;
+        }
+        catch (CMxException const &e)
+        {
+            std::printf("\nA quantity that is no number, on reading:\n%s\n", e.GetFullMessage().c_str());
+        }
+        try
+        {
+            order->items->items->GetAt(0)->partNum = "872-A";
+            order->ToXml(false, false, LF, context);
+            std::printf("\nA broken part number was written\n");
+            status = 1;
+        }
+        catch (CMxException const &e)
+        {
+            std::printf("\nA part number that breaks its pattern, on writing:\n%s\n", e.GetFullMessage().c_str());
+        }
     }
     catch (CMxException const &e)
     {

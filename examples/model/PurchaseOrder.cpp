@@ -192,20 +192,33 @@ void CUSAddress::CleanMetaData()
 
 void CDelivery::Init()
 {
-    shipDate.clear();
+    shipDate = CDateTime();
+    hasShipDate = false;
     pickup.clear();
 }
 
 void CDelivery::AccessProperty(int index, bool read, MxVariant &value)
 {
-    std::string &field = index == 0 ? shipDate : pickup;
-    if (read)
+    if (index == 0)
     {
-        if (!field.empty())
-            value.SetString(field);
+        if (read)
+        {
+            if (hasShipDate)
+                value.SetDate(shipDate);
+        }
+        else
+        {
+            shipDate = value.GetDate();
+            hasShipDate = true;
+        }
+    }
+    else if (read)
+    {
+        if (!pickup.empty())
+            value.SetString(pickup);
     }
     else
-        field = value.GetString();
+        pickup = value.GetString();
 }
 
 static void BuildDelivery(Tables &t)
@@ -214,7 +227,7 @@ static void BuildDelivery(Tables &t)
     t.info = new CParentElementInfo(XmlElementGroupType_Choice, XmlElementType_PseudoGroup, "Delivery",
                                     kPoNamespace, false, false, -1, ItemType_None, nullptr, false);
     t.elements = new CElementInfo *[3]{
-        new CElementInfoChoicePrimOpt("shipDate", kPoNamespace, 0, false, ItemType_string, nullptr, Rule::Collapse,
+        new CElementInfoChoicePrimOpt("shipDate", kPoNamespace, 0, false, ItemType_date, nullptr, Rule::Collapse,
                                       NoFacets(), nullptr),
         new CElementInfoChoicePrimOpt("pickup", kPoNamespace, 1, false, ItemType_string, nullptr, Rule::None,
                                       NoFacets(), nullptr),
@@ -254,7 +267,7 @@ void CItem::Init()
     comment.clear();
     hasComment = false;
     quantity = 0;
-    usPrice = 0;
+    usPrice = CDecimal();
     delivery = nullptr;
 }
 
@@ -276,9 +289,9 @@ void CItem::AccessProperty(int index, bool read, MxVariant &value)
         break;
     case 3:
         if (read)
-            value.SetR8(usPrice);
+            value.SetDecimal(usPrice);
         else
-            usPrice = value.GetR8();
+            usPrice = value.GetDecimal();
         break;
     case 4:
         OptionalStringProperty(read, value, comment, hasComment);
@@ -301,8 +314,9 @@ static void BuildItem(Tables &t)
         new CElementInfoSeqPrimMnd("quantity", kPoNamespace, 2, false, ItemType_i4, nullptr, Rule::Collapse,
                                    CPrimitiveRestrictions(nullptr, -1, -1, "1", nullptr, nullptr, "100", -1, -1, -1),
                                    nullptr),
-        new CElementInfoSeqPrimMnd("USPrice", kPoNamespace, 3, false, ItemType_r8, nullptr, Rule::Collapse,
-                                   NoFacets(), nullptr),
+        new CElementInfoSeqPrimMnd("USPrice", kPoNamespace, 3, false, ItemType_decimal, nullptr, Rule::Collapse,
+                                   CPrimitiveRestrictions(nullptr, -1, -1, "0", nullptr, nullptr, nullptr, -1, -1, 2),
+                                   nullptr),
         new CElementInfoSeqPrimOpt("comment", kPoNamespace, 4, false, ItemType_string, nullptr, Rule::None,
                                    NoFacets(), nullptr),
         new CElementInfoSeqClsOpt("Delivery", kPoNamespace, 5, XmlElementType_PseudoGroup, &CreateByClassId,
@@ -415,7 +429,7 @@ CPurchaseOrder::CPurchaseOrder()
 
 void CPurchaseOrder::Init()
 {
-    orderDate.clear();
+    orderDate = CDateTime();
     comment.clear();
     hasComment = hasStatus = false;
     status = OrderStatus::Open;
@@ -429,7 +443,10 @@ void CPurchaseOrder::AccessProperty(int index, bool read, MxVariant &value)
     switch (index)
     {
     case 0:
-        StringProperty(read, value, orderDate);
+        if (read)
+            value.SetDate(orderDate);
+        else
+            orderDate = value.GetDate();
         break;
     case 1:
         if (read)
@@ -475,7 +492,7 @@ static void BuildOrder(Tables &t)
                                   ClassId_Items, true),
         nullptr};
     t.attributes = new CAttributeInfo *[3]{
-        new CAttributeInfoPrimitive("orderDate", "", 0, false, ItemType_string, nullptr, Rule::Collapse,
+        new CAttributeInfoPrimitive("orderDate", "", 0, false, ItemType_date, nullptr, Rule::Collapse,
                                     NoFacets(), nullptr),
         new CAttributeInfoEnum("status", "", 1, true, &OrderStatusToString, &OrderStatusFromString, "open"),
         nullptr};

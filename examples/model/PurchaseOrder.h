@@ -5,7 +5,7 @@
 // once under m_csInit), a numbered property function, factories, and an
 // enumeration function pair. The schema:
 //
-//   <purchaseOrder orderDate status?>      PurchaseOrderType, root, urn:example:po
+//   <purchaseOrder orderDate(date) status?> PurchaseOrderType, root, urn:example:po
 //     shipTo   USAddress                   mandatory
 //     billTo   USAddress                   optional
 //     comment  string                      optional
@@ -13,8 +13,8 @@
 //   USAddress @country(fixed "US"): name street city state zip
 //   Items: item*  (Item)
 //   Item @partNum (pattern \d{3}-[A-Z]{2}):
-//     productName, quantity (1..99), USPrice, comment?,
-//     a choice of shipDate | pickup (at most one)
+//     productName, quantity (1..99), USPrice (decimal, 2 places), comment?,
+//     a choice of shipDate (date) | pickup (at most one)
 
 #include "MxXmlLib.h"
 
@@ -75,8 +75,10 @@ public:
     CXmlObjectBase *GetBase() override { return this; }
     std::string GetNamespace() const override { return kPoNamespace; }
 
-    // At most one of the two is set; "" means unset.
-    std::string shipDate, pickup;
+    // At most one of the two is set.
+    MxXmlLib::CDateTime shipDate;
+    bool hasShipDate = false;
+    std::string pickup;
 
     void AccessProperty(int index, bool read, MxXmlLib::MxVariant &value) override;
     MxXmlLibData::CParentElementInfo *GetParentElementInfo() override;
@@ -98,7 +100,7 @@ public:
 
     std::string partNum, productName, comment;
     int quantity = 0;
-    double usPrice = 0;
+    MxXmlLib::CDecimal usPrice;
     bool hasComment = false;
     CSmartPtr<CDelivery> delivery;
 
@@ -160,7 +162,8 @@ public:
     CXmlObjectBase *GetBase() override { return this; }
     std::string GetNamespace() const override { return kPoNamespace; }
 
-    std::string orderDate, comment;
+    MxXmlLib::CDateTime orderDate;
+    std::string comment;
     bool hasStatus = false, hasComment = false;
     OrderStatus status = OrderStatus::Open;
     CSmartPtr<CUSAddress> shipTo, billTo;

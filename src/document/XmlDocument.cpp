@@ -2,6 +2,7 @@
 
 #include "document/ExpatReader.h"
 #include "document/NameTable.h"
+#include "document/NodePool.h"
 #include "json/JsonHandlers.h"
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
@@ -115,12 +116,12 @@ CXmlElement::~CXmlElement()
             for (CXmlElement *child = e->m_firstChild; child; child = child->m_nextSibling)
                 pending.push_back(child);
             e->m_firstChild = e->m_lastChild = nullptr;
-            delete e;
+            m_document->DestroyElement(e);
         }
     }
     if (m_attributes)
         for (CXmlAttribute *attribute : *m_attributes)
-            delete attribute;
+            m_document->DestroyAttribute(attribute);
 }
 
 std::vector<CXmlAttribute *> const &CXmlElement::GetAttributes() const
@@ -165,7 +166,7 @@ void CXmlElement::AppendText(char const *text, int length)
 
 CXmlElement *CXmlElement::CreateNewChildElement()
 {
-    auto *child = new CXmlElement(m_document, this);
+    CXmlElement *child = m_document->NewElement(this);
     if (m_lastChild)
         m_lastChild->m_nextSibling = child;
     else
@@ -180,7 +181,10 @@ void CXmlElement::AddAttribute(std::string const &localName, std::string const &
     if (!m_attributes)
         m_attributes = std::make_unique<std::vector<CXmlAttribute *>>();
     m_attributes->push_back(nullptr);
-    m_attributes->back() = new CXmlAttribute(this, localName, value, namespaceUri);
+    CXmlAttribute *attribute = m_document->NewAttribute(this, m_document->Intern(localName),
+                                                        m_document->Intern(namespaceUri));
+    m_attributes->back() = attribute;
+    attribute->m_value = value;
 }
 
 CXmlAttribute *CXmlElement::AddAttribute(std::string const *localName, std::string const *namespaceUri,
@@ -192,7 +196,7 @@ CXmlAttribute *CXmlElement::AddAttribute(std::string const *localName, std::stri
         m_attributes->reserve(expectedCount);
     }
     m_attributes->push_back(nullptr);
-    return m_attributes->back() = new CXmlAttribute(this, localName, namespaceUri);
+    return m_attributes->back() = m_document->NewAttribute(this, localName, namespaceUri);
 }
 
 CXmlElement *CXmlElement::RemoveLastChildElement()
@@ -273,8 +277,36 @@ CXmlDocument::CXmlDocument(ElementEndFunction onElementEnd)
 CXmlDocument::CXmlDocument(ElementEndFunction onElementEnd, CSerializationContext const &context)
     : m_documentElement(nullptr), m_buffer(nullptr), m_bufferLength(0), m_bufferOwned(false),
       m_schemaType(context.GetSchemaType()), m_elementEndFunction(onElementEnd), m_context(context),
-      m_names(std::make_unique<CNameTable>())
+      m_names(std::make_unique<CNameTable>()), m_pool(std::make_unique<CNodePool>())
 {
+}
+
+static_assert(alignof(CXmlElement) <= alignof(void *) && alignof(CXmlAttribute) <= alignof(void *),
+              "the node pool aligns to pointers");
+
+CXmlElement *CXmlDocument::NewElement(CXmlElement *parent)
+{
+    return new (m_pool->Allocate(sizeof(CXmlElement))) CXmlElement(this, parent);
+}
+
+void CXmlDocument::DestroyElement(CXmlElement *element)
+{
+    if (element == nullptr)
+        return;
+    element->~CXmlElement();
+    m_pool->Free(element, sizeof(CXmlElement));
+}
+
+CXmlAttribute *CXmlDocument::NewAttribute(CXmlElement const *element, std::string const *localName,
+                                          std::string const *namespaceUri)
+{
+    return new (m_pool->Allocate(sizeof(CXmlAttribute))) CXmlAttribute(element, localName, namespaceUri);
+}
+
+void CXmlDocument::DestroyAttribute(CXmlAttribute *attribute)
+{
+    attribute->~CXmlAttribute();
+    m_pool->Free(attribute, sizeof(CXmlAttribute));
 }
 
 CXmlDocument::~CXmlDocument()
@@ -289,7 +321,7 @@ void CXmlDocument::Cleanup()
 
 void CXmlDocument::CleanupThis()
 {
-    delete m_documentElement;
+    DestroyElement(m_documentElement);
     m_documentElement = nullptr;
     if (m_bufferOwned)
         std::free(m_buffer);
@@ -299,6 +331,7 @@ void CXmlDocument::CleanupThis()
     m_elementStack.clear();
     m_namespaceMap.clear();
     m_names->Clear();
+    m_pool->Clear();
 }
 
 std::string const *CXmlDocument::Intern(std::string_view name)
@@ -432,7 +465,7 @@ std::string CXmlDocument::LookupAliasFromNamespace(char const *uri) const
 
 CXmlElement *CXmlDocument::AddDocElement(char const *namespaceUri, char const *localName)
 {
-    delete m_documentElement;
+    DestroyElement(m_documentElement);
     m_documentElement = nullptr;
     m_elementStack.clear();
     return AddElement(Intern(namespaceUri), Intern(localName));
@@ -452,7 +485,7 @@ CXmlElement *CXmlDocument::AddElement(std::string const *namespaceUri, std::stri
             FormatString("The document nests elements deeper than %d levels.", static_cast<int>(kMaxElementDepth)));
     CXmlElement *element;
     if (m_documentElement == nullptr)
-        element = m_documentElement = new CXmlElement(this, nullptr);
+        element = m_documentElement = NewElement(nullptr);
     else if (m_elementStack.empty())
         throw CMxException("Invalid or empty XML document"); // a second document element
     else
@@ -470,7 +503,7 @@ void CXmlDocument::EndElement()
     CXmlElement *ended = m_elementStack.back();
     m_elementStack.pop_back();
     if (m_elementEndFunction && m_elementEndFunction(ended) && !m_elementStack.empty())
-        delete m_elementStack.back()->RemoveLastChildElement();
+        DestroyElement(m_elementStack.back()->RemoveLastChildElement());
 }
 
 void CXmlDocument::AddElementAttribute(CXmlElement *element, std::string const &localName,

@@ -23,6 +23,7 @@ class CXmlElement;
 class CExpatReader;
 class CFastInfosetReader;
 class CNameTable;
+class CNodePool;
 
 class CXmlAttribute : public CInstanceMonitor
 {
@@ -33,6 +34,11 @@ class CXmlAttribute : public CInstanceMonitor
 
 public:
     ~CXmlAttribute() override = default;
+    // Nodes live in their document's pool: only the document makes them, and
+    // deleting one leaves its memory to the pool.
+    static void *operator new(std::size_t, void *place) { return place; }
+    static void operator delete(void *) {}
+    static void operator delete(void *, void *) {}
 
     std::string const &GetLocalName() const { return *m_localName; }
     std::string const &GetNamespaceURI() const { return *m_namespaceUri; }
@@ -66,6 +72,11 @@ class CXmlElement : public CInstanceMonitor
 
 public:
     ~CXmlElement() override;
+    // Nodes live in their document's pool: only the document makes them, and
+    // deleting one leaves its memory to the pool.
+    static void *operator new(std::size_t, void *place) { return place; }
+    static void operator delete(void *) {}
+    static void operator delete(void *, void *) {}
 
     CXmlDocument *GetDocument() const { return m_document; }
     CXmlElement *GetParentElm() const { return m_parent; }
@@ -188,6 +199,14 @@ private:
     ElementEndFunction m_elementEndFunction;
     CSerializationContext const &m_context;
     std::unique_ptr<CNameTable> m_names;
+    std::unique_ptr<CNodePool> m_pool;
+
+    // Make and destroy nodes in the pool.
+    CXmlElement *NewElement(CXmlElement *parent);
+    void DestroyElement(CXmlElement *element);
+    CXmlAttribute *NewAttribute(CXmlElement const *element, std::string const *localName,
+                                std::string const *namespaceUri);
+    void DestroyAttribute(CXmlAttribute *attribute);
 };
 
 } // namespace MxXmlLib

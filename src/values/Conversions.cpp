@@ -3,6 +3,7 @@
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
 
+#include <climits>
 #include <cfloat>
 #include <charconv>
 #include <cmath>
@@ -423,6 +424,40 @@ template <typename F> auto AfterRule(CWhitespaceUtils::WhitespaceRule rule, std:
     return parse(CWhitespaceUtils::ApplyRule(rule, text));
 }
 
+// atoi's reading of a format: blanks, a sign, then digits up to the first
+// other character. Beyond the range of int it saturates, where atoi has no
+// defined answer; the printer then refuses the count.
+int LeadingInteger(std::string const &text)
+{
+    char const *p = text.c_str();
+    while (IsCSpace(*p))
+        ++p;
+    bool negative = false;
+    if (*p == '+' || *p == '-')
+        negative = *p++ == '-';
+    long long value = 0; // [0, INT_MAX + 1]
+    for (; IsDigit(*p); ++p)
+    {
+        value = value * 10 + (*p - '0');
+        if (value > static_cast<long long>(INT_MAX) + 1)
+            value = static_cast<long long>(INT_MAX) + 1;
+    }
+    if (negative)
+        return static_cast<int>(-value);
+    return value > INT_MAX ? INT_MAX : static_cast<int>(value);
+}
+
+// The date forms without a time part, whichever the text has.
+CDateTime ParseDateForm(std::string const &text, CWhitespaceUtils::WhitespaceRule rule)
+{
+    CDateTime value;
+    AfterRule(rule, text, [&value](std::string const &t) {
+        value.ParseXSDDate(t.c_str());
+        return 0;
+    });
+    return value;
+}
+
 } // namespace
 
 // ---------------------------------------------------------------------------
@@ -555,6 +590,123 @@ bool CConversions::booleanFromString(std::string const &text, WhitespaceRule rul
     throw CMxInvalidValueException(FormatString("A Boolean Value read from an XML document was invalid [%s]. Valid "
                                                 "values are 'true', 'false', '1', or '0'",
                                                 text.c_str()));
+}
+
+// ---------------------------------------------------------------------------
+// The value classes
+
+std::string CConversions::hexBinaryToString(CBinaryData const &value) { return value.GetAsHexString(); }
+
+std::string CConversions::base64BinaryToString(CBinaryData const &value) { return value.GetAsBase64(); }
+
+std::string CConversions::durationToString(CDateTimeSpan const &value) { return value.ToString(); }
+
+std::string CConversions::dateToString(CDateTime const &value) { return value.ToString("s"); }
+
+std::string CConversions::decimalToString(CDecimal const &value) { return value.ToString(); }
+
+std::string CConversions::decimalToString(CDecimal const &value, std::string const &format)
+{
+    if (format.empty())
+        return value.ToString();
+    return value.ToString(LeadingInteger(format));
+}
+
+std::string CConversions::integerToString(CBigInteger const &value) { return value.ToString(); }
+
+CBinaryData CConversions::hexBinaryFromString(std::string const &text, WhitespaceRule rule)
+{
+    CBinaryData value;
+    AfterRule(rule, text, [&value](std::string const &t) {
+        value.SetAsHexString(t);
+        return 0;
+    });
+    return value;
+}
+
+CBinaryData CConversions::base64BinaryFromString(std::string const &text, WhitespaceRule rule)
+{
+    CBinaryData value;
+    AfterRule(rule, text, [&value](std::string const &t) {
+        value.SetAsBase64(t);
+        return 0;
+    });
+    return value;
+}
+
+CDateTimeSpan CConversions::durationFromString(std::string const &text, WhitespaceRule rule)
+{
+    CDateTimeSpan value;
+    AfterRule(rule, text, [&value](std::string const &t) {
+        value.ParseXSDDuration(t.c_str());
+        return 0;
+    });
+    return value;
+}
+
+CDateTime CConversions::datetimeFromString(std::string const &text, WhitespaceRule rule)
+{
+    CDateTime value;
+    AfterRule(rule, text, [&value](std::string const &t) {
+        value.ParseXSDDateTime(t.c_str());
+        return 0;
+    });
+    return value;
+}
+
+CDateTime CConversions::timeFromString(std::string const &text, WhitespaceRule rule)
+{
+    CDateTime value;
+    AfterRule(rule, text, [&value](std::string const &t) {
+        value.ParseXSDTime(t.c_str());
+        return 0;
+    });
+    return value;
+}
+
+CDateTime CConversions::dateFromString(std::string const &text, WhitespaceRule rule)
+{
+    return ParseDateForm(text, rule);
+}
+
+CDateTime CConversions::yearMonthFromString(std::string const &text, WhitespaceRule rule)
+{
+    return ParseDateForm(text, rule);
+}
+
+CDateTime CConversions::monthDayFromString(std::string const &text, WhitespaceRule rule)
+{
+    return ParseDateForm(text, rule);
+}
+
+std::uint16_t CConversions::yearFromString(std::string const &text, WhitespaceRule rule)
+{
+    return static_cast<std::uint16_t>(ParseDateForm(text, rule).GetYear());
+}
+
+std::uint8_t CConversions::monthFromString(std::string const &text, WhitespaceRule rule)
+{
+    return ParseDateForm(text, rule).GetMonth();
+}
+
+std::uint8_t CConversions::dayFromString(std::string const &text, WhitespaceRule rule)
+{
+    return ParseDateForm(text, rule).GetDay();
+}
+
+CDecimal CConversions::decimalFromString(std::string const &text, WhitespaceRule rule)
+{
+    return AfterRule(rule, text, [](std::string const &t) { return CDecimal(t.c_str()); });
+}
+
+CBigInteger CConversions::integerFromString(std::string const &text, WhitespaceRule rule)
+{
+    CBigInteger value;
+    AfterRule(rule, text, [&value](std::string const &t) {
+        value.Parse(t.c_str());
+        return 0;
+    });
+    return value;
 }
 
 } // namespace MxXmlLib

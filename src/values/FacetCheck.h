@@ -6,8 +6,14 @@
 namespace MxXmlLib
 {
 
-// Applies the facets to a value of the given type; raises CMxException naming
-// `name` (the element or attribute) at the first facet that fails.
+// Applies the facets that `type` has to the value the cell holds, in a fixed
+// order per type; the first that fails raises CMxException "Invalid Value for
+// <name> [<value>]..." (the numeric types without the closing period). Bounds
+// are parsed afresh under the collapse rule, and a bound that will not parse
+// raises its parser's error. Dates and durations pass a bound they compare
+// indeterminate with. `pattern` applies to strings only and `fractionDigits`
+// to decimals only; boolean passes always, and char or any other type raises
+// CMxInvalidValueException "Unknown type [<name>].".
 void CheckPrimitiveFacets(char const *name, MxVariant const &value, ItemType type,
                           CPrimitiveRestrictions const &facets);
 

@@ -19,10 +19,14 @@ namespace
 enum class Storage
 {
     None,
-    Inline,     // `width` bytes from offset 0
-    String,     // owned std::string
-    ValueClass, // owned CBinaryData, CDateTime, CDateTimeSpan, CDecimal or CBigInteger
-    Object      // counted CXmlObjectBase
+    Inline,   // `width` bytes from offset 0
+    String,   // owned std::string
+    Binary,   // owned CBinaryData
+    Span,     // owned CDateTimeSpan
+    Date,     // owned CDateTime
+    Decimal,  // owned CDecimal
+    Integer,  // owned CBigInteger
+    Object    // counted CXmlObjectBase
 };
 
 struct TypeRow
@@ -35,34 +39,43 @@ struct TypeRow
 constexpr int kLastType = ItemType_XmlCollection;
 
 constexpr TypeRow kTypes[kLastType + 1] = {
-    {nullptr, Storage::None, 0},          {"hexBinary", Storage::ValueClass, 0},
-    {"base64Binary", Storage::ValueClass, 0}, {"i1", Storage::Inline, 1},
-    {"i2", Storage::Inline, 2},           {"i4", Storage::Inline, 4},
-    {"i8", Storage::Inline, 8},           {"ui1", Storage::Inline, 1},
-    {"ui2", Storage::Inline, 2},          {"ui4", Storage::Inline, 4},
-    {"ui8", Storage::Inline, 8},          {"r4", Storage::Inline, 4},
-    {"r8", Storage::Inline, 8},           {"duration", Storage::ValueClass, 0},
-    {"yearMonth", Storage::ValueClass, 0}, {"monthDay", Storage::ValueClass, 0},
-    {"year", Storage::Inline, 2},         {"month", Storage::Inline, 1},
-    {"day", Storage::Inline, 1},          {"date", Storage::ValueClass, 0},
-    {"datetime", Storage::ValueClass, 0}, {"time", Storage::ValueClass, 0},
-    {"char", Storage::Inline, 1},         {"string", Storage::String, 0},
-    {"boolean", Storage::Inline, 1},      {"decimal", Storage::ValueClass, 0},
-    {"integer", Storage::ValueClass, 0},  {nullptr, Storage::Object, 0},
-    {nullptr, Storage::Object, 0},
+    {nullptr, Storage::None, 0},         {"hexBinary", Storage::Binary, 0},  {"base64Binary", Storage::Binary, 0},
+    {"i1", Storage::Inline, 1},          {"i2", Storage::Inline, 2},         {"i4", Storage::Inline, 4},
+    {"i8", Storage::Inline, 8},          {"ui1", Storage::Inline, 1},        {"ui2", Storage::Inline, 2},
+    {"ui4", Storage::Inline, 4},         {"ui8", Storage::Inline, 8},        {"r4", Storage::Inline, 4},
+    {"r8", Storage::Inline, 8},          {"duration", Storage::Span, 0},     {"yearMonth", Storage::Date, 0},
+    {"monthDay", Storage::Date, 0},      {"year", Storage::Inline, 2},       {"month", Storage::Inline, 1},
+    {"day", Storage::Inline, 1},         {"date", Storage::Date, 0},         {"datetime", Storage::Date, 0},
+    {"time", Storage::Date, 0},          {"char", Storage::Inline, 1},       {"string", Storage::String, 0},
+    {"boolean", Storage::Inline, 1},     {"decimal", Storage::Decimal, 0},   {"integer", Storage::Integer, 0},
+    {nullptr, Storage::Object, 0},       {nullptr, Storage::Object, 0},
 };
 
 bool IsKnownType(int type) { return type >= 0 && type <= kLastType; }
 
 Storage StorageOf(int type) { return IsKnownType(type) ? kTypes[type].storage : Storage::None; }
 
-bool IsPointerStorage(Storage s) { return s == Storage::String || s == Storage::ValueClass || s == Storage::Object; }
+bool IsPointerStorage(Storage s) { return s != Storage::None && s != Storage::Inline; }
 
-// The value classes have their text forms and cells with the classes
-// themselves; until a type has one, it is refused like a type without text.
+// The storage that holds each class; a getter reads a pointer only when the
+// cell's type has this storage.
+template <typename T> constexpr Storage StorageFor();
+template <> constexpr Storage StorageFor<std::string>() { return Storage::String; }
+template <> constexpr Storage StorageFor<CBinaryData>() { return Storage::Binary; }
+template <> constexpr Storage StorageFor<CDateTimeSpan>() { return Storage::Span; }
+template <> constexpr Storage StorageFor<CDateTime>() { return Storage::Date; }
+template <> constexpr Storage StorageFor<CDecimal>() { return Storage::Decimal; }
+template <> constexpr Storage StorageFor<CBigInteger>() { return Storage::Integer; }
+
 [[noreturn]] void ThrowNoTextForm(int type)
 {
     throw CMxException(FormatString("Invalid Type %d to convert to string", type));
+}
+
+// A copy on the heap, or null when the allocation yields none.
+template <typename T> void *HeapCopy(void const *source)
+{
+    return source ? new (std::nothrow) T(*static_cast<T const *>(source)) : nullptr;
 }
 
 } // namespace
@@ -109,11 +122,22 @@ MxVariant &MxVariant::operator=(MxVariant const &other)
         std::memcpy(m_value.bytes, other.m_value.bytes, kTypes[m_type].width);
         break;
     case Storage::String:
-        if (std::string const *s = other.Pointer<std::string>())
-            SetPointer(new (std::nothrow) std::string(*s));
+        SetPointer(HeapCopy<std::string>(other.Pointer<void>()));
         break;
-    case Storage::ValueClass:
-        // No cell of a value class can be made yet, so there is nothing to copy.
+    case Storage::Binary:
+        SetPointer(HeapCopy<CBinaryData>(other.Pointer<void>()));
+        break;
+    case Storage::Span:
+        SetPointer(HeapCopy<CDateTimeSpan>(other.Pointer<void>()));
+        break;
+    case Storage::Date:
+        SetPointer(HeapCopy<CDateTime>(other.Pointer<void>()));
+        break;
+    case Storage::Decimal:
+        SetPointer(HeapCopy<CDecimal>(other.Pointer<void>()));
+        break;
+    case Storage::Integer:
+        SetPointer(HeapCopy<CBigInteger>(other.Pointer<void>()));
         break;
     case Storage::Object:
         if (CXmlObjectBase *object = other.Pointer<CXmlObjectBase>())
@@ -141,15 +165,32 @@ void MxVariant::ReleaseValue()
         delete Pointer<std::string>();
         SetPointer(nullptr);
         break;
+    case Storage::Binary:
+        delete Pointer<CBinaryData>();
+        SetPointer(nullptr);
+        break;
+    case Storage::Span:
+        delete Pointer<CDateTimeSpan>();
+        SetPointer(nullptr);
+        break;
+    case Storage::Date:
+        delete Pointer<CDateTime>();
+        SetPointer(nullptr);
+        break;
+    case Storage::Decimal:
+        delete Pointer<CDecimal>();
+        SetPointer(nullptr);
+        break;
+    case Storage::Integer:
+        delete Pointer<CBigInteger>();
+        SetPointer(nullptr);
+        break;
     case Storage::Object:
         if (CXmlObjectBase *object = Pointer<CXmlObjectBase>())
         {
             SetPointer(nullptr);
             object->Release();
         }
-        break;
-    case Storage::ValueClass:
-        SetPointer(nullptr);
         break;
     case Storage::None:
     case Storage::Inline:
@@ -243,13 +284,32 @@ void MxVariant::SetBoolean(bool value)
     SetInline(ItemType_boolean, &byte, sizeof(byte));
 }
 
-void MxVariant::SetString(std::string const &value)
+template <typename T> void MxVariant::SetHeap(ItemType type, T const &value)
 {
+    // The copy is made before Clear, as `value` may be this cell's own.
+    void *copy = HeapCopy<T>(&value);
     Clear();
-    m_type = ItemType_string;
-    SetPointer(nullptr);
-    SetPointer(new (std::nothrow) std::string(value));
+    m_type = type;
+    SetPointer(copy);
 }
+
+template <typename T> T MxVariant::GetHeap() const
+{
+    T const *p = StorageOf(m_type) == StorageFor<T>() ? Pointer<T>() : nullptr;
+    return p ? *p : T();
+}
+
+void MxVariant::SetString(std::string const &value) { SetHeap(ItemType_string, value); }
+void MxVariant::SetHexBinary(CBinaryData const &value) { SetHeap(ItemType_hexBinary, value); }
+void MxVariant::SetBase64Binary(CBinaryData const &value) { SetHeap(ItemType_base64Binary, value); }
+void MxVariant::SetDuration(CDateTimeSpan const &value) { SetHeap(ItemType_duration, value); }
+void MxVariant::SetYearMonth(CDateTime const &value) { SetHeap(ItemType_yearMonth, value); }
+void MxVariant::SetMonthDay(CDateTime const &value) { SetHeap(ItemType_monthDay, value); }
+void MxVariant::SetDate(CDateTime const &value) { SetHeap(ItemType_date, value); }
+void MxVariant::SetDateTime(CDateTime const &value) { SetHeap(ItemType_datetime, value); }
+void MxVariant::SetTime(CDateTime const &value) { SetHeap(ItemType_time, value); }
+void MxVariant::SetDecimal(CDecimal const &value) { SetHeap(ItemType_decimal, value); }
+void MxVariant::SetInteger(CBigInteger const &value) { SetHeap(ItemType_integer, value); }
 
 void MxVariant::SetXmlObject(CXmlObjectBase *value)
 {
@@ -270,11 +330,12 @@ void MxVariant::SetXmlCollection(CXmlCollectionBase *value)
         object->AddRef();
 }
 
-std::string MxVariant::GetString() const
-{
-    std::string const *s = m_type == ItemType_string ? Pointer<std::string>() : nullptr;
-    return s ? *s : std::string();
-}
+std::string MxVariant::GetString() const { return GetHeap<std::string>(); }
+CBinaryData MxVariant::GetHexBinary() const { return GetHeap<CBinaryData>(); }
+CDateTimeSpan MxVariant::GetDuration() const { return GetHeap<CDateTimeSpan>(); }
+CDateTime MxVariant::GetDate() const { return GetHeap<CDateTime>(); }
+CDecimal MxVariant::GetDecimal() const { return GetHeap<CDecimal>(); }
+CBigInteger MxVariant::GetInteger() const { return GetHeap<CBigInteger>(); }
 
 CSmartPtr<CXmlObjectBase> MxVariant::GetXmlObject() const
 {
@@ -325,15 +386,21 @@ std::string MxVariant::ToString(char const *format) const
     case ItemType_boolean:
         return CConversions::booleanToString(GetBoolean());
     case ItemType_hexBinary:
+        return CConversions::hexBinaryToString(GetHexBinary());
     case ItemType_base64Binary:
+        return CConversions::base64BinaryToString(GetBase64Binary());
     case ItemType_duration:
+        return CConversions::durationToString(GetDuration());
     case ItemType_yearMonth:
     case ItemType_monthDay:
     case ItemType_date:
     case ItemType_datetime:
     case ItemType_time:
+        return CConversions::dateToString(GetDate());
     case ItemType_decimal:
+        return CConversions::decimalToString(GetDecimal(), format);
     case ItemType_integer:
+        return CConversions::integerToString(GetInteger());
     default:
         ThrowNoTextForm(m_type);
     }
@@ -371,19 +438,31 @@ void MxVariant::FromString(std::string const &text, ItemType type, CWhitespaceUt
     case ItemType_boolean:
         return SetBoolean(CConversions::booleanFromString(text, rule));
     case ItemType_hexBinary:
+        return SetHexBinary(CConversions::hexBinaryFromString(text, rule));
     case ItemType_base64Binary:
+        return SetBase64Binary(CConversions::base64BinaryFromString(text, rule));
     case ItemType_duration:
+        return SetDuration(CConversions::durationFromString(text, rule));
     case ItemType_yearMonth:
+        return SetYearMonth(CConversions::yearMonthFromString(text, rule));
     case ItemType_monthDay:
+        return SetMonthDay(CConversions::monthDayFromString(text, rule));
     case ItemType_year:
+        return SetYear(CConversions::yearFromString(text, rule));
     case ItemType_month:
+        return SetMonth(CConversions::monthFromString(text, rule));
     case ItemType_day:
+        return SetDay(CConversions::dayFromString(text, rule));
     case ItemType_date:
+        return SetDate(CConversions::dateFromString(text, rule));
     case ItemType_datetime:
+        return SetDateTime(CConversions::datetimeFromString(text, rule));
     case ItemType_time:
+        return SetTime(CConversions::timeFromString(text, rule));
     case ItemType_decimal:
+        return SetDecimal(CConversions::decimalFromString(text, rule));
     case ItemType_integer:
-        ThrowNoTextForm(type);
+        return SetInteger(CConversions::integerFromString(text, rule));
     default:
         // The number is the cell's own type, not the argument.
         ThrowNoTextForm(m_type);

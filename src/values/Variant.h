@@ -1,6 +1,11 @@
 #pragma once
 
 #include "runtime/SmartPtr.h"
+#include "values/BigInteger.h"
+#include "values/BinaryData.h"
+#include "values/DateTime.h"
+#include "values/DateTimeSpan.h"
+#include "values/Decimal.h"
 #include "values/WhitespaceUtils.h"
 
 #include <cstdint>
@@ -94,6 +99,19 @@ public:
     void SetChar(char value);
     void SetString(std::string const &value);
     void SetBoolean(bool value);
+    // The heap forms hold a copy; a CBinaryData copy shares the counted block.
+    void SetHexBinary(CBinaryData const &value);
+    void SetBase64Binary(CBinaryData const &value);
+    void SetDuration(CDateTimeSpan const &value);
+    void SetDecimal(CDecimal const &value);
+    void SetInteger(CBigInteger const &value);
+    // The date family stores the value as given, whatever its own form: only
+    // the cell's type differs between these five.
+    void SetYearMonth(CDateTime const &value);
+    void SetMonthDay(CDateTime const &value);
+    void SetDate(CDateTime const &value);
+    void SetDateTime(CDateTime const &value);
+    void SetTime(CDateTime const &value);
     // The pointer may be null; a non-null one gains a counted reference.
     void SetXmlObject(CXmlObjectBase *value);
     void SetXmlCollection(CXmlCollectionBase *value);
@@ -115,6 +133,18 @@ public:
     char GetChar() const { return static_cast<char>(Read8()); }
     bool GetBoolean() const { return Read8() != 0; }
     std::string GetString() const;
+    // One body for each value class: GetHexBinary and GetBase64Binary read
+    // either binary type, the five date getters any type of the date family.
+    CBinaryData GetHexBinary() const;
+    CBinaryData GetBase64Binary() const { return GetHexBinary(); }
+    CDateTimeSpan GetDuration() const;
+    CDateTime GetDate() const;
+    CDateTime GetDateTime() const { return GetDate(); }
+    CDateTime GetTime() const { return GetDate(); }
+    CDateTime GetMonthDay() const { return GetDate(); }
+    CDateTime GetYearMonth() const { return GetDate(); }
+    CDecimal GetDecimal() const;
+    CBigInteger GetInteger() const;
     CSmartPtr<CXmlObjectBase> GetXmlObject() const;
     // Null when the cell holds an object that is not a collection.
     CSmartPtr<CXmlCollectionBase> GetXmlCollection() const;
@@ -141,6 +171,8 @@ private:
 
     template <typename T> T *Pointer() const;
     void SetPointer(void const *pointer);
+    template <typename T> void SetHeap(ItemType type, T const &value);
+    template <typename T> T GetHeap() const;
 
     std::uint8_t Read8() const;
     std::uint16_t Read16() const;
