@@ -39,7 +39,7 @@ struct RoundTrip
 constexpr unsigned kAll = 7, kWithAttributes = 6, kFull = 4;
 
 RoundTrip const kRoundTrips[] = {
-    {"elements only", &New<CParty>, "<party xmlns=\"urn:m\"><name>Ann &amp; Bo &lt;3&gt;</name><phone>1</phone></party>",
+    {"elements only", &New<CParty>, "<party xmlns=\"urn:m\"><name>A&amp;B &lt;3&gt;</name><phone>1</phone></party>",
      kAll},
     {"attribute and elements", &New<CParty>, "<party xmlns=\"urn:m\" ref=\"-2\"><name>Ann</name></party>",
      kWithAttributes},
