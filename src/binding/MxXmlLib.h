@@ -45,3 +45,6 @@
 #include "collections/XmlCollection.h"
 #include "collections/XmlTypeCollection.h"
 #include "metadata/NamespaceRules.h"
+#include "runtime/BinaryStream.h"
+#include "runtime/FileBinaryStream.h"
+#include "runtime/FileTextStream.h"

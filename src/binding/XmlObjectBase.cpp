@@ -7,8 +7,11 @@
 #include "json/JsonContext.h"
 #include "json/JsonTextWriter.h"
 #include "metadata/NamespaceRules.h"
-#include "runtime/TextStream.h"
+#include "runtime/Compression.h"
+#include "runtime/FileBinaryStream.h"
+#include "runtime/FileTextStream.h"
 #include "runtime/FormatString.h"
+#include "runtime/TextStream.h"
 #include "runtime/MxException.h"
 #include "runtime/platform/Platform.h"
 
@@ -123,11 +126,9 @@ void CXmlObjectBase::CheckVersion()
                                     kRuntimeMinor, g_generatorMajor, g_generatorMinor));
 }
 
-std::string CXmlObjectBase::ToXml(bool includeDocHeader, bool formatted, EOLType eolType,
+void CXmlObjectBase::WriteXmlText(CTextStream &stream, bool includeDocHeader, bool formatted, EOLType eolType,
                                   CSerializationContext const &context) const
 {
-    CheckVersion();
-    CTextStream stream(XmlEncoding_None);
     CXmlTextWriter writer(&stream);
     stream.Start();
     writer.SetFormatted(formatted);
@@ -141,13 +142,63 @@ std::string CXmlObjectBase::ToXml(bool includeDocHeader, bool formatted, EOLType
     stream.End();
     if (writer.GetCurrentContext())
         throw CMxException("An Element has not been closed.");
-    return stream.TextAsString();
 }
 
-std::string CXmlObjectBase::ToJson(bool formatted, EOLType eolType, CSerializationContext const &context) const
+void CXmlObjectBase::ToXmlFile(char const *fileName, bool includeDocHeader, bool formatted, XmlEncoding encoding,
+                               EOLType eolType, CSerializationContext const &context,
+                               CompressionType compression) const
+{
+    // Refused before the version check: no file form can write zlib data.
+    if (compression == CompressionZLib)
+        throw CMxException("ZLIB Compression only available for To Stream methods.");
+    if (!IsAsyncToXmlFile() || compression != CompressionNone)
+    {
+        CFileBinaryStream file(fileName, encoding,
+                               ToXmlStream(includeDocHeader, formatted, encoding, eolType, context, compression));
+        file.WriteFile();
+        return;
+    }
+    CheckVersion();
+    // After a failure the file stays as far as it was written.
+    CFileTextStream stream(fileName, encoding);
+    WriteXmlText(stream, includeDocHeader, formatted, eolType, context);
+}
+
+std::string CXmlObjectBase::ToXml(bool includeDocHeader, bool formatted, EOLType eolType,
+                                  CSerializationContext const &context) const
 {
     CheckVersion();
     CTextStream stream(XmlEncoding_None);
+    WriteXmlText(stream, includeDocHeader, formatted, eolType, context);
+    return stream.TextAsString();
+}
+
+CBinaryData CXmlObjectBase::ToXmlStream(bool includeDocHeader, bool formatted, XmlEncoding encoding,
+                                        EOLType eolType, CSerializationContext const &context,
+                                        CompressionType compression) const
+{
+    CheckVersion();
+    CTextStream stream(encoding);
+    WriteXmlText(stream, includeDocHeader, formatted, eolType, context);
+    // An encoding that cannot be written fails only here, once all is built.
+    CBinaryData bytes = stream.GetBytes();
+    if (compression != CompressionNone)
+        Compress(bytes, compression);
+    return bytes;
+}
+
+void CXmlObjectBase::FromXmlFile(char const *fileName, CSerializationContext const &context)
+{
+    CheckVersion();
+    CXmlDocument document(context);
+    document.Load(fileName);
+    CXmlElement *root = document.GetDocumentElement();
+    FromXml_Int(root, root ? root->GetFirstElement() : nullptr, context, false);
+}
+
+void CXmlObjectBase::WriteJsonText(CTextStream &stream, bool formatted, EOLType eolType,
+                                   CSerializationContext const &context) const
+{
     CJsonTextWriter writer(&stream);
     stream.Start();
     writer.SetFormatted(formatted);
@@ -161,7 +212,67 @@ std::string CXmlObjectBase::ToJson(bool formatted, EOLType eolType, CSerializati
     stream.End();
     if (writer.GetCurrentContext())
         throw CMxException("An Element has not been closed.");
+}
+
+void CXmlObjectBase::ToJsonFile(char const *fileName, bool formatted, XmlEncoding encoding, EOLType eolType,
+                                CSerializationContext const &context, CompressionType compression) const
+{
+    if (compression == CompressionZLib)
+        throw CMxException("ZLIB Compression only available for To Stream methods.");
+    if (!IsAsyncToXmlFile() || compression != CompressionNone)
+    {
+        // Encoding 1 whatever the caller's: buffered JSON files never start
+        // with a byte order mark.
+        CFileBinaryStream file(fileName, XmlEncoding_UTF8,
+                               ToJsonStream(formatted, encoding, eolType, context, compression));
+        file.WriteFile();
+        return;
+    }
+    CheckVersion();
+    CFileTextStream stream(fileName, encoding);
+    WriteJsonText(stream, formatted, eolType, context);
+}
+
+std::string CXmlObjectBase::ToJson(bool formatted, EOLType eolType, CSerializationContext const &context) const
+{
+    CheckVersion();
+    CTextStream stream(XmlEncoding_None);
+    WriteJsonText(stream, formatted, eolType, context);
     return stream.TextAsString();
+}
+
+CBinaryData CXmlObjectBase::ToJsonStream(bool formatted, XmlEncoding encoding, EOLType eolType,
+                                         CSerializationContext const &context, CompressionType compression) const
+{
+    CheckVersion();
+    CTextStream stream(encoding);
+    WriteJsonText(stream, formatted, eolType, context);
+    CBinaryData bytes = stream.GetBytes();
+    if (compression != CompressionNone)
+        Compress(bytes, compression);
+    return bytes;
+}
+
+void CXmlObjectBase::FromJsonFile(char const *fileName, CSerializationContext const &context)
+{
+    CheckVersion();
+    CXmlDocument document(context);
+    CBinaryData const xml = document.LoadJsonFile(fileName);
+    FromJson_Int(xml, context);
+}
+
+void CXmlObjectBase::FromJsonStream(CBinaryData const &data, CSerializationContext const &context)
+{
+    FromJsonStream(const_cast<unsigned char *>(data.GetData()), data.GetLength(), context);
+}
+
+void CXmlObjectBase::FromJsonStream(unsigned char *const bytes, unsigned long length,
+                                    CSerializationContext const &context)
+{
+    CheckVersion();
+    CXmlDocument document(context);
+    CBinaryData const xml = document.LoadJsonStream(bytes, length);
+    FromJson_Int(xml, context);
 }
 
 void CXmlObjectBase::FromJson(wchar_t const *text, CSerializationContext const &context)
@@ -193,14 +304,14 @@ void CXmlObjectBase::FromJson_Int(CBinaryData const &xml, CSerializationContext 
         if (context.GetJsonContext().GetSupportRoundtrip() != RoundTripFull)
             writable.SetIgnoreNamespaces(ignoredBefore);
     };
-    std::string const text(xml.GetData() ? reinterpret_cast<char const *>(xml.GetData()) : "", xml.GetLength());
     try
     {
-        FromXml(text.c_str(), context);
+        FromXmlStream(xml, context);
     }
     catch (CMxException const &e)
     {
         restore();
+        std::string const text(xml.GetData() ? reinterpret_cast<char const *>(xml.GetData()) : "", xml.GetLength());
         throw CMxException(FormatString("Error converting JSON to XML:\n%s", text.c_str()), e);
     }
     catch (...)
@@ -225,6 +336,21 @@ void CXmlObjectBase::FromXml(char const *text, CSerializationContext const &cont
     CheckVersion();
     CXmlDocument document(context);
     document.LoadXml(text);
+    CXmlElement *root = document.GetDocumentElement();
+    FromXml_Int(root, root ? root->GetFirstElement() : nullptr, context, false);
+}
+
+void CXmlObjectBase::FromXmlStream(CBinaryData const &data, CSerializationContext const &context)
+{
+    FromXmlStream(const_cast<unsigned char *>(data.GetData()), data.GetLength(), context);
+}
+
+void CXmlObjectBase::FromXmlStream(unsigned char *const bytes, unsigned long length,
+                                   CSerializationContext const &context)
+{
+    CheckVersion();
+    CXmlDocument document(context);
+    document.LoadXmlStream(bytes, length);
     CXmlElement *root = document.GetDocumentElement();
     FromXml_Int(root, root ? root->GetFirstElement() : nullptr, context, false);
 }

@@ -14,6 +14,7 @@ class CXmlElement;
 class CXmlWriter;
 class CXmlCollectionBase;
 class CElement;
+class CTextStream;
 
 // Stores the version of the code generator; generated code calls it before it
 // uses any object. Every entry point refuses to run unless it is 16.1.
@@ -40,6 +41,21 @@ public:
     CXmlObjectBase const *GetBase() const { return const_cast<CXmlObjectBase *>(this)->GetBase(); }
     using IEventSink::GetBase;
 
+    // The object as an XML file. CompressionZLib is refused before anything
+    // else: "ZLIB Compression only available for To Stream methods.". With
+    // AsyncToXmlFile set and no compression, the text goes to the file piece
+    // by piece; otherwise ToXmlStream's bytes are written in one go. Encodings
+    // 2 and 3 put FF FE first, also in front of compressed data.
+    virtual void ToXmlFile(char const *fileName, bool includeDocHeader = true, bool formatted = true,
+                           XmlEncoding encoding = XmlEncoding_UTF8, EOLType eolType = LF,
+                           CSerializationContext const &context = CSerializationContext::GetDefaultContext(),
+                           CompressionType compression = CompressionNone) const;
+    // The object as a JSON file, by the branches of ToXmlFile. Buffered files
+    // never start with a byte order mark, whatever the encoding.
+    virtual void ToJsonFile(char const *fileName, bool formatted = true, XmlEncoding encoding = XmlEncoding_UTF8,
+                            EOLType eolType = LF,
+                            CSerializationContext const &context = CSerializationContext::GetDefaultContext(),
+                            CompressionType compression = CompressionNone) const;
     // The object as XML text in the local encoding; a declaration names no
     // encoding.
     virtual std::string ToXml(bool includeDocHeader = true, bool formatted = true, EOLType eolType = LF,
@@ -49,7 +65,26 @@ public:
     // mode. See CJsonTextWriter for what is and is not valid JSON.
     virtual std::string ToJson(bool formatted = true, EOLType eolType = LF,
                                CSerializationContext const &context = CSerializationContext::GetDefaultContext()) const;
+    // The object as XML bytes: UTF-8 for encoding 1, UTF-16LE without a byte
+    // order mark for 2 and 3. Other encodings fail after the whole text is
+    // built, with "Unknown Encoding, select UTF-8 (contact our support team)".
+    // The bytes are then compressed as asked (gzip or zlib).
+    virtual CBinaryData ToXmlStream(bool includeDocHeader = true, bool formatted = true,
+                                    XmlEncoding encoding = XmlEncoding_UTF8, EOLType eolType = LF,
+                                    CSerializationContext const &context = CSerializationContext::GetDefaultContext(),
+                                    CompressionType compression = CompressionNone) const;
+    // The object as JSON bytes, encoded and compressed as by ToXmlStream.
+    virtual CBinaryData ToJsonStream(bool formatted = true, XmlEncoding encoding = XmlEncoding_UTF8,
+                                     EOLType eolType = LF,
+                                     CSerializationContext const &context = CSerializationContext::GetDefaultContext(),
+                                     CompressionType compression = CompressionNone) const;
 
+    // Reads an XML file (see CXmlDocument::Load).
+    virtual void FromXmlFile(char const *fileName,
+                             CSerializationContext const &context = CSerializationContext::GetDefaultContext());
+    // Reads a JSON file: whole, maybe compressed, UTF-8 (see FromJson).
+    virtual void FromJsonFile(char const *fileName,
+                              CSerializationContext const &context = CSerializationContext::GetDefaultContext());
     virtual void FromXml(wchar_t const *text,
                          CSerializationContext const &context = CSerializationContext::GetDefaultContext());
     virtual void FromXml(char const *text,
@@ -62,6 +97,17 @@ public:
                           CSerializationContext const &context = CSerializationContext::GetDefaultContext());
     virtual void FromJson(char const *text,
                           CSerializationContext const &context = CSerializationContext::GetDefaultContext());
+    // Reads bytes that may be compressed; an empty object raises
+    // "XML Stream is empty!".
+    virtual void FromXmlStream(CBinaryData const &data,
+                               CSerializationContext const &context = CSerializationContext::GetDefaultContext());
+    virtual void FromXmlStream(unsigned char *const bytes, unsigned long length,
+                               CSerializationContext const &context = CSerializationContext::GetDefaultContext());
+    // JSON bytes that may be compressed, UTF-8 (see FromJson).
+    virtual void FromJsonStream(CBinaryData const &data,
+                                CSerializationContext const &context = CSerializationContext::GetDefaultContext());
+    virtual void FromJsonStream(unsigned char *const bytes, unsigned long length,
+                                CSerializationContext const &context = CSerializationContext::GetDefaultContext());
     // Reads from an element of a tree that the caller keeps.
     virtual void FromXmlElement(CXmlElement const *element,
                                 CSerializationContext const &context = CSerializationContext::GetDefaultContext());
@@ -129,6 +175,13 @@ protected:
 
     // Raises "Wrong Version ..." (after the warning) unless the generator is 16.1.
     static void CheckVersion();
+    // The steps of the ToXml frame after the version check: writer over
+    // `stream`, declaration, the object, end of stream, unclosed element check.
+    void WriteXmlText(CTextStream &stream, bool includeDocHeader, bool formatted, EOLType eolType,
+                      CSerializationContext const &context) const;
+    // The same for JSON: "{", the object, "}", unclosed element check.
+    void WriteJsonText(CTextStream &stream, bool formatted, EOLType eolType,
+                       CSerializationContext const &context) const;
 
     // Checks of the property setters of generated code.
     static void Throw_IfPropertyIsNull(CXmlObjectBase *value, char const *name);

@@ -9,6 +9,7 @@
 #include "runtime/InstanceMonitor.h"
 #include "values/BinaryData.h"
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -24,6 +25,11 @@ class CExpatReader;
 class CFastInfosetReader;
 class CNameTable;
 class CNodePool;
+
+namespace Platform
+{
+class NativeFile;
+}
 
 class CXmlAttribute : public CInstanceMonitor
 {
@@ -145,6 +151,15 @@ public:
     void LoadXml(char const *text);
     // Wide text is passed to the parser as UTF-16 behind a byte order mark.
     void LoadXml(wchar_t const *text);
+    // Reads and parses a file. With AsyncFromXmlFile set, the file is read in
+    // chunks of 0x20000 bytes, parsed as they come and not tried for
+    // compression; otherwise it is read whole and goes the way of
+    // LoadXmlStream. File errors raise CMxException with the system's errno.
+    void Load(char const *fileName);
+    // Parses bytes that may be gzip or zlib compressed (tried first, whatever
+    // they are), then Fast Infoset, else XML text. A length of 0 (or null
+    // bytes) raises "XML Stream is empty!". The bytes are only read.
+    void LoadXmlStream(unsigned char *const bytes, unsigned long length);
 
     // JSON input is translated, not loaded: these return the XML text of the
     // JSON (see CJsonReaderToXmlHandler) and leave the tree alone. An empty
@@ -154,6 +169,11 @@ public:
     // The raw bytes of the wide characters, two per character, unconverted:
     // only text whose bytes happen to read as JSON gets through.
     CBinaryData LoadJson(wchar_t const *text);
+    // Bytes and files of JSON may be gzip or zlib compressed, and are UTF-8
+    // (a byte order mark is dropped), converted to the local encoding. A file
+    // is read whole, with the messages of Load.
+    CBinaryData LoadJsonFile(char const *fileName);
+    CBinaryData LoadJsonStream(unsigned char *const bytes, unsigned long length);
 
     CXmlElement *GetDocumentElement() const { return m_documentElement; }
     CSerializationContext const &GetContext() const { return m_context; }
@@ -181,8 +201,28 @@ private:
     static void AppendTextExcludingCR(CXmlElement *element, char const *text);
     void Init();
     void ParseText();
+    // JSON bytes: decompression attempt, byte order mark, UTF-8 to local.
+    CBinaryData ParseJson(unsigned char const *bytes, unsigned long length) const;
     // JSON text in the local encoding to XML text.
     CBinaryData ParseJsonText(std::string const &json) const;
+    // Decompression attempt, then Fast Infoset, then XML text.
+    void Parse();
+    // Fast Infoset documents are recognised by their header and read into
+    // this tree; until that reader exists, no input is taken as one.
+    bool ParseFastInfosetIfPresent() { return false; }
+    void LoadWholeFile(char const *fileName);
+    // Reads a whole file into the buffer, with the messages of Load.
+    void ReadWholeFile(char const *fileName);
+    void LoadFileInChunks(char const *fileName);
+    // Parses the chunk in the buffer and reads the next into the spare one,
+    // until the final chunk; cleans up and closes the file on failure.
+    void AsyncParse(bool last);
+    // Reads the next chunk at the file offset into `buffer`; true at the end
+    // of the file (nothing read), with the byte count in m_chunkBytes.
+    bool ReadChunkFromFile(unsigned char *buffer);
+    void CloseFile();
+    // A new owned buffer of `length` bytes, not filled.
+    void NewBuffer(unsigned long length);
     // Takes ownership of a copy of the bytes as the input buffer.
     void SetBuffer(void const *data, unsigned long length);
     // Parses the caller's bytes in place: a synchronous load needs no copy.
@@ -207,6 +247,13 @@ private:
     CXmlAttribute *NewAttribute(CXmlElement const *element, std::string const *localName,
                                 std::string const *namespaceUri);
     void DestroyAttribute(CXmlAttribute *attribute);
+    // The chunked file load: where the next chunk comes from, the file, and
+    // the size of the chunk read last.
+    std::uint64_t m_fileOffset;
+    std::unique_ptr<Platform::NativeFile> m_file;
+    unsigned long m_chunkBytes;
+    // Decompressed input: the buffer then points into it.
+    CBinaryData m_inflated;
 };
 
 } // namespace MxXmlLib

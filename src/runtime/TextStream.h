@@ -2,6 +2,7 @@
 
 #include "runtime/InstanceMonitor.h"
 #include "runtime/StringBuffer.h"
+#include "values/BinaryData.h"
 
 #include <cstdint>
 
@@ -35,6 +36,12 @@ public:
     // Characters since the last clearing of the buffer.
     std::uint32_t GetLength() const { return m_buffer.GetLength(); }
     int GetEncoding() const { return m_encoding; }
+
+    // The text as bytes of the stream's encoding: 1 UTF-8, 2 and 3 UTF-16
+    // little-endian without a byte order mark. Any other value, 0 included,
+    // raises CMxException "Unknown Encoding, select UTF-8 (contact our
+    // support team)". Joins the buffer's chunks (see Text).
+    CBinaryData GetBytes();
 
 protected:
     CStringBuffer m_buffer;

@@ -1,0 +1,8 @@
+#include "runtime/BinaryStream.h"
+
+namespace MxXmlLib
+{
+
+CBinaryStream::~CBinaryStream() {}
+
+} // namespace MxXmlLib
