@@ -2,6 +2,7 @@
 # Builds the benchmarks in Release (-O2) and runs the ones named, or all.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
+MX_WITH_BENCH=1 "$root/scripts/install-deps.sh"
 build=${BUILD_DIR:-$root/build-bench}
 cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE="-O2 -DNDEBUG" \
   -DMX_BUILD_TESTS=OFF -DMX_BUILD_EXAMPLES=OFF -DMX_BUILD_BENCH=ON >/dev/null

@@ -3,6 +3,9 @@
 set -euo pipefail
 pkgs=(cmake g++ make pkg-config libexpat1-dev libpcre3-dev zlib1g-dev googletest libgtest-dev)
 [ "${MX_WITH_BENCH:-0}" = 1 ] && pkgs+=(libbenchmark-dev)
+# The test suite checks our output against independent readers: Python's json
+# module and the Java Fast Infoset codec.
+[ "${MX_WITH_PEERS:-0}" = 1 ] && pkgs+=(python3 libfastinfoset-java default-jdk-headless)
 missing=()
 for p in "${pkgs[@]}"; do
   dpkg -s "$p" >/dev/null 2>&1 || missing+=("$p")

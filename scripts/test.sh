@@ -2,7 +2,7 @@
 # Builds everything with AddressSanitizer and UBSan and runs the whole suite.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
-"$root/scripts/install-deps.sh"
+MX_WITH_PEERS=1 "$root/scripts/install-deps.sh"
 build=${BUILD_DIR:-$root/build-test}
 cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Debug -DMX_SANITIZE=ON -DMX_BUILD_TESTS=ON -DMX_BUILD_EXAMPLES=ON
 cmake --build "$build" -j"$(nproc)"

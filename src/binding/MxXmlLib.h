@@ -48,3 +48,4 @@
 #include "runtime/BinaryStream.h"
 #include "runtime/FileBinaryStream.h"
 #include "runtime/FileTextStream.h"
+#include "runtime/Compression.h"
