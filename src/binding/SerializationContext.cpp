@@ -1,6 +1,7 @@
 #include "binding/SerializationContext.h"
 
 #include "collections/AttributeCol.h"
+#include "json/JsonContext.h"
 #include "runtime/MxException.h"
 
 namespace MxXmlLib
@@ -9,7 +10,7 @@ namespace MxXmlLib
 CSerializationContext CSerializationContext::m_defaultContext;
 
 CSerializationContext::CSerializationContext()
-    : m_writeTypeAttribute(true), m_ignoreInvalidCollectionCounts(false), m_ignoreMissingChoice(false),
+    : m_jsonContext(nullptr), m_writeTypeAttribute(true), m_ignoreInvalidCollectionCounts(false), m_ignoreMissingChoice(false),
       m_ignoreMissingMandatoryElements(false), m_ignoreUnknownElements(false), m_ignoreUnknownAttributes(false),
       m_ignoreNamespaces(false), m_schemaType(SchemaType_Default), m_noOptionalAttributeDefaultOutput(false),
       m_writeDefaultElementValues(false), m_stripCDATA(true), m_indentChars("\t")
@@ -23,6 +24,8 @@ CSerializationContext::CSerializationContext(CSerializationContext const &other)
 
 CSerializationContext &CSerializationContext::operator=(CSerializationContext const &other)
 {
+    // The sub-contexts are shared by pointer, not cloned.
+    m_jsonContext = other.m_jsonContext;
     if (this == &other)
         return *this;
     m_defaultNamespaceUri = other.m_defaultNamespaceUri;
@@ -47,7 +50,17 @@ CSerializationContext &CSerializationContext::operator=(CSerializationContext co
     return *this;
 }
 
-CSerializationContext::~CSerializationContext() = default;
+CSerializationContext::~CSerializationContext()
+{
+    delete m_jsonContext;
+}
+
+CJsonContext &CSerializationContext::GetJsonContext() const
+{
+    if (m_jsonContext == nullptr)
+        m_jsonContext = new CJsonContext;
+    return *m_jsonContext;
+}
 
 CSmartPtr<CAttributeCol> CSerializationContext::GetAdditionalRootAttributes() const
 {

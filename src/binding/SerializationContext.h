@@ -10,6 +10,7 @@ namespace MxXmlLib
 {
 
 class CAttributeCol;
+class CJsonContext;
 
 // Text encoding of output; the numbers are part of the interface.
 enum XmlEncoding
@@ -69,6 +70,11 @@ public:
     // The process-wide default, for callers without options of their own.
     static CSerializationContext &GetDefaultContext();
 
+    // The JSON options, made with their defaults on first use. Copies of a
+    // context share it (and each deletes it): copy a context only before
+    // anything has asked for it.
+    CJsonContext &GetJsonContext() const;
+
     std::string GetDefaultNamespaceURI() const { return m_defaultNamespaceUri; }
     void SetDefaultNamespaceURI(char const *uri);
 
@@ -121,6 +127,8 @@ public:
     void SetIndentChars(char const *text);
 
 private:
+    // Built by the const getter on first use; owned.
+    mutable CJsonContext *m_jsonContext;
     std::string m_defaultNamespaceUri;
     bool m_writeTypeAttribute;
     CNamespaceAliasMap m_namespaceAliases;

@@ -4,6 +4,8 @@
 #include "collections/XmlCollectionBase.h"
 #include "document/XmlDocument.h"
 #include "document/XmlTextWriter.h"
+#include "json/JsonContext.h"
+#include "json/JsonTextWriter.h"
 #include "metadata/NamespaceRules.h"
 #include "runtime/Compression.h"
 #include "runtime/FileBinaryStream.h"
@@ -192,6 +194,132 @@ void CXmlObjectBase::FromXmlFile(char const *fileName, CSerializationContext con
     document.Load(fileName);
     CXmlElement *root = document.GetDocumentElement();
     FromXml_Int(root, root ? root->GetFirstElement() : nullptr, context, false);
+}
+
+void CXmlObjectBase::WriteJsonText(CTextStream &stream, bool formatted, EOLType eolType,
+                                   CSerializationContext const &context) const
+{
+    CJsonTextWriter writer(&stream);
+    stream.Start();
+    writer.SetFormatted(formatted);
+    writer.SetIndentChars(context.GetIndentChars());
+    writer.SetEolType(eolType);
+    writer.SetRoundTrip(context.GetJsonContext().GetSupportRoundtrip());
+    writer.WriteDocumentStart();
+    std::string const targetNamespace = GetTargetNamespace();
+    ToXml_Int(&writer, true, targetNamespace.c_str(), context, false);
+    writer.WriteDocumentEnd();
+    stream.End();
+    if (writer.GetCurrentContext())
+        throw CMxException("An Element has not been closed.");
+}
+
+void CXmlObjectBase::ToJsonFile(char const *fileName, bool formatted, XmlEncoding encoding, EOLType eolType,
+                                CSerializationContext const &context, CompressionType compression) const
+{
+    if (compression == CompressionZLib)
+        throw CMxException("ZLIB Compression only available for To Stream methods.");
+    if (!IsAsyncToXmlFile() || compression != CompressionNone)
+    {
+        // Encoding 1 whatever the caller's: buffered JSON files never start
+        // with a byte order mark.
+        CFileBinaryStream file(fileName, XmlEncoding_UTF8,
+                               ToJsonStream(formatted, encoding, eolType, context, compression));
+        file.WriteFile();
+        return;
+    }
+    CheckVersion();
+    CFileTextStream stream(fileName, encoding);
+    WriteJsonText(stream, formatted, eolType, context);
+}
+
+std::string CXmlObjectBase::ToJson(bool formatted, EOLType eolType, CSerializationContext const &context) const
+{
+    CheckVersion();
+    CTextStream stream(XmlEncoding_None);
+    WriteJsonText(stream, formatted, eolType, context);
+    return stream.TextAsString();
+}
+
+CBinaryData CXmlObjectBase::ToJsonStream(bool formatted, XmlEncoding encoding, EOLType eolType,
+                                         CSerializationContext const &context, CompressionType compression) const
+{
+    CheckVersion();
+    CTextStream stream(encoding);
+    WriteJsonText(stream, formatted, eolType, context);
+    CBinaryData bytes = stream.GetBytes();
+    if (compression != CompressionNone)
+        Compress(bytes, compression);
+    return bytes;
+}
+
+void CXmlObjectBase::FromJsonFile(char const *fileName, CSerializationContext const &context)
+{
+    CheckVersion();
+    CXmlDocument document(context);
+    CBinaryData const xml = document.LoadJsonFile(fileName);
+    FromJson_Int(xml, context);
+}
+
+void CXmlObjectBase::FromJsonStream(CBinaryData const &data, CSerializationContext const &context)
+{
+    FromJsonStream(const_cast<unsigned char *>(data.GetData()), data.GetLength(), context);
+}
+
+void CXmlObjectBase::FromJsonStream(unsigned char *const bytes, unsigned long length,
+                                    CSerializationContext const &context)
+{
+    CheckVersion();
+    CXmlDocument document(context);
+    CBinaryData const xml = document.LoadJsonStream(bytes, length);
+    FromJson_Int(xml, context);
+}
+
+void CXmlObjectBase::FromJson(wchar_t const *text, CSerializationContext const &context)
+{
+    CheckVersion();
+    CXmlDocument document(context);
+    CBinaryData const xml = document.LoadJson(text);
+    FromJson_Int(xml, context);
+}
+
+void CXmlObjectBase::FromJson(char const *text, CSerializationContext const &context)
+{
+    CheckVersion();
+    CXmlDocument document(context);
+    CBinaryData const xml = document.LoadJson(text);
+    FromJson_Int(xml, context);
+}
+
+void CXmlObjectBase::FromJson_Int(CBinaryData const &xml, CSerializationContext const &context)
+{
+    // Without full round trips the JSON keeps no namespaces, so matching must
+    // ignore them for this call. The caller's context is const, but is
+    // changed here on purpose and put back on every way out.
+    bool const ignoredBefore = context.GetIgnoreNamespaces();
+    auto &writable = const_cast<CSerializationContext &>(context);
+    if (context.GetJsonContext().GetSupportRoundtrip() != RoundTripFull)
+        writable.SetIgnoreNamespaces(true);
+    auto restore = [&] {
+        if (context.GetJsonContext().GetSupportRoundtrip() != RoundTripFull)
+            writable.SetIgnoreNamespaces(ignoredBefore);
+    };
+    try
+    {
+        FromXmlStream(xml, context);
+    }
+    catch (CMxException const &e)
+    {
+        restore();
+        std::string const text(xml.GetData() ? reinterpret_cast<char const *>(xml.GetData()) : "", xml.GetLength());
+        throw CMxException(FormatString("Error converting JSON to XML:\n%s", text.c_str()), e);
+    }
+    catch (...)
+    {
+        restore();
+        throw;
+    }
+    restore();
 }
 
 void CXmlObjectBase::FromXml(wchar_t const *text, CSerializationContext const &context)

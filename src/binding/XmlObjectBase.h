@@ -50,10 +50,21 @@ public:
                            XmlEncoding encoding = XmlEncoding_UTF8, EOLType eolType = LF,
                            CSerializationContext const &context = CSerializationContext::GetDefaultContext(),
                            CompressionType compression = CompressionNone) const;
+    // The object as a JSON file, by the branches of ToXmlFile. Buffered files
+    // never start with a byte order mark, whatever the encoding.
+    virtual void ToJsonFile(char const *fileName, bool formatted = true, XmlEncoding encoding = XmlEncoding_UTF8,
+                            EOLType eolType = LF,
+                            CSerializationContext const &context = CSerializationContext::GetDefaultContext(),
+                            CompressionType compression = CompressionNone) const;
     // The object as XML text in the local encoding; a declaration names no
     // encoding.
     virtual std::string ToXml(bool includeDocHeader = true, bool formatted = true, EOLType eolType = LF,
                               CSerializationContext const &context = CSerializationContext::GetDefaultContext()) const;
+    // The object as JSON text in the local encoding: an object with one key,
+    // the root element's name. The context's JSON context sets the round trip
+    // mode. See CJsonTextWriter for what is and is not valid JSON.
+    virtual std::string ToJson(bool formatted = true, EOLType eolType = LF,
+                               CSerializationContext const &context = CSerializationContext::GetDefaultContext()) const;
     // The object as XML bytes: UTF-8 for encoding 1, UTF-16LE without a byte
     // order mark for 2 and 3. Other encodings fail after the whole text is
     // built, with "Unknown Encoding, select UTF-8 (contact our support team)".
@@ -62,20 +73,41 @@ public:
                                     XmlEncoding encoding = XmlEncoding_UTF8, EOLType eolType = LF,
                                     CSerializationContext const &context = CSerializationContext::GetDefaultContext(),
                                     CompressionType compression = CompressionNone) const;
+    // The object as JSON bytes, encoded and compressed as by ToXmlStream.
+    virtual CBinaryData ToJsonStream(bool formatted = true, XmlEncoding encoding = XmlEncoding_UTF8,
+                                     EOLType eolType = LF,
+                                     CSerializationContext const &context = CSerializationContext::GetDefaultContext(),
+                                     CompressionType compression = CompressionNone) const;
 
     // Reads an XML file (see CXmlDocument::Load).
     virtual void FromXmlFile(char const *fileName,
                              CSerializationContext const &context = CSerializationContext::GetDefaultContext());
+    // Reads a JSON file: whole, maybe compressed, UTF-8 (see FromJson).
+    virtual void FromJsonFile(char const *fileName,
+                              CSerializationContext const &context = CSerializationContext::GetDefaultContext());
     virtual void FromXml(wchar_t const *text,
                          CSerializationContext const &context = CSerializationContext::GetDefaultContext());
     virtual void FromXml(char const *text,
                          CSerializationContext const &context = CSerializationContext::GetDefaultContext());
+    // JSON is read by way of its XML translation. JSON syntax errors pass
+    // unchanged; errors of the XML reading come wrapped in "Error converting
+    // JSON to XML:" with the XML text. Unless the round trip mode is full,
+    // namespaces are ignored for the call (the context is changed meanwhile).
+    virtual void FromJson(wchar_t const *text,
+                          CSerializationContext const &context = CSerializationContext::GetDefaultContext());
+    virtual void FromJson(char const *text,
+                          CSerializationContext const &context = CSerializationContext::GetDefaultContext());
     // Reads bytes that may be compressed; an empty object raises
     // "XML Stream is empty!".
     virtual void FromXmlStream(CBinaryData const &data,
                                CSerializationContext const &context = CSerializationContext::GetDefaultContext());
     virtual void FromXmlStream(unsigned char *const bytes, unsigned long length,
                                CSerializationContext const &context = CSerializationContext::GetDefaultContext());
+    // JSON bytes that may be compressed, UTF-8 (see FromJson).
+    virtual void FromJsonStream(CBinaryData const &data,
+                                CSerializationContext const &context = CSerializationContext::GetDefaultContext());
+    virtual void FromJsonStream(unsigned char *const bytes, unsigned long length,
+                                CSerializationContext const &context = CSerializationContext::GetDefaultContext());
     // Reads from an element of a tree that the caller keeps.
     virtual void FromXmlElement(CXmlElement const *element,
                                 CSerializationContext const &context = CSerializationContext::GetDefaultContext());
@@ -147,6 +179,9 @@ protected:
     // `stream`, declaration, the object, end of stream, unclosed element check.
     void WriteXmlText(CTextStream &stream, bool includeDocHeader, bool formatted, EOLType eolType,
                       CSerializationContext const &context) const;
+    // The same for JSON: "{", the object, "}", unclosed element check.
+    void WriteJsonText(CTextStream &stream, bool formatted, EOLType eolType,
+                       CSerializationContext const &context) const;
 
     // Checks of the property setters of generated code.
     static void Throw_IfPropertyIsNull(CXmlObjectBase *value, char const *name);
@@ -157,6 +192,9 @@ protected:
     static void Choice_CollectionChanged(char const *name, long count, std::string &current);
 
 private:
+    // Reads the XML translation of a JSON text.
+    void FromJson_Int(CBinaryData const &xml, CSerializationContext const &context);
+
     std::string m_elementName;
     std::atomic<long> m_refCount;
 };

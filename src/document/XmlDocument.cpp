@@ -4,14 +4,17 @@
 #include "document/NameTable.h"
 #include "document/NodePool.h"
 #include "binding/XmlObjectBase.h"
+#include "json/JsonHandlers.h"
 #include "runtime/Compression.h"
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
+#include "runtime/TextEncoding.h"
 #include "runtime/platform/NativeFile.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <cwchar>
 
 namespace MxXmlLib
 {
@@ -429,6 +432,60 @@ void CXmlDocument::LoadXml(wchar_t const *text)
     ParseText();
 }
 
+CBinaryData CXmlDocument::LoadJson(char const *text)
+{
+    if (text == nullptr || *text == '\0')
+        throw CMxException("JSON String is empty!");
+    return ParseJsonText(text);
+}
+
+CBinaryData CXmlDocument::LoadJson(wchar_t const *text)
+{
+    if (text == nullptr || *text == L'\0')
+        throw CMxException("JSON String is empty!");
+    // Two bytes per character: all of a 16-bit wchar_t's bytes, the first
+    // half of a 32-bit one's. Deliberately no conversion.
+    std::size_t const count = std::wcslen(text);
+    return ParseJsonText(std::string(reinterpret_cast<char const *>(text), 2 * count));
+}
+
+CBinaryData CXmlDocument::LoadJsonFile(char const *fileName)
+{
+    Cleanup();
+    Init();
+    ReadWholeFile(fileName ? fileName : "");
+    return ParseJson(m_buffer, m_bufferLength);
+}
+
+CBinaryData CXmlDocument::LoadJsonStream(unsigned char *const bytes, unsigned long length)
+{
+    return ParseJson(bytes, length);
+}
+
+CBinaryData CXmlDocument::ParseJson(unsigned char const *bytes, unsigned long length) const
+{
+    CBinaryData inflated;
+    if (bytes && Decompress(bytes, length, inflated))
+    {
+        bytes = inflated.GetData();
+        length = inflated.GetLength();
+    }
+    if (length > 2 && bytes[0] == 0xEF && bytes[1] == 0xBB && bytes[2] == 0xBF)
+    {
+        bytes += 3;
+        length -= 3;
+    }
+    std::string json;
+    if (length > 0)
+        Utf8ToLocal(json, bytes, static_cast<unsigned>(length));
+    return ParseJsonText(json);
+}
+
+CBinaryData CXmlDocument::ParseJsonText(std::string const &json) const
+{
+    return ConvertJsonToXml(json, m_context);
+}
+
 void CXmlDocument::ParseText()
 {
     CExpatReader reader(this);
@@ -500,6 +557,12 @@ void CXmlDocument::Load(char const *fileName)
 
 void CXmlDocument::LoadWholeFile(char const *fileName)
 {
+    ReadWholeFile(fileName);
+    Parse();
+}
+
+void CXmlDocument::ReadWholeFile(char const *fileName)
+{
     {
         Platform::NativeFile file; // closed on every way out of this block
         if (!file.OpenForSequentialRead(fileName))
@@ -517,7 +580,6 @@ void CXmlDocument::LoadWholeFile(char const *fileName)
             throw CMxException(FormatString("Failed to read the contents of the file [%s] Error [0x%08x]", fileName,
                                             got < 0 ? static_cast<unsigned>(file.LastError()) : kEndOfFileCode));
     }
-    Parse();
 }
 
 // The chunked load keeps two buffers of 0x20000 bytes: one is parsed while

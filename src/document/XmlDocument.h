@@ -161,6 +161,20 @@ public:
     // bytes) raises "XML Stream is empty!". The bytes are only read.
     void LoadXmlStream(unsigned char *const bytes, unsigned long length);
 
+    // JSON input is translated, not loaded: these return the XML text of the
+    // JSON (see CJsonReaderToXmlHandler) and leave the tree alone. An empty
+    // text raises "JSON String is empty!". The text is taken as it stands, in
+    // the local encoding.
+    CBinaryData LoadJson(char const *text);
+    // The raw bytes of the wide characters, two per character, unconverted:
+    // only text whose bytes happen to read as JSON gets through.
+    CBinaryData LoadJson(wchar_t const *text);
+    // Bytes and files of JSON may be gzip or zlib compressed, and are UTF-8
+    // (a byte order mark is dropped), converted to the local encoding. A file
+    // is read whole, with the messages of Load.
+    CBinaryData LoadJsonFile(char const *fileName);
+    CBinaryData LoadJsonStream(unsigned char *const bytes, unsigned long length);
+
     CXmlElement *GetDocumentElement() const { return m_documentElement; }
     CSerializationContext const &GetContext() const { return m_context; }
     std::string LookupNamespaceFromAlias(char const *prefix) const;
@@ -187,12 +201,18 @@ private:
     static void AppendTextExcludingCR(CXmlElement *element, char const *text);
     void Init();
     void ParseText();
+    // JSON bytes: decompression attempt, byte order mark, UTF-8 to local.
+    CBinaryData ParseJson(unsigned char const *bytes, unsigned long length) const;
+    // JSON text in the local encoding to XML text.
+    CBinaryData ParseJsonText(std::string const &json) const;
     // Decompression attempt, then Fast Infoset, then XML text.
     void Parse();
     // Fast Infoset documents are recognised by their header and read into
     // this tree; until that reader exists, no input is taken as one.
     bool ParseFastInfosetIfPresent() { return false; }
     void LoadWholeFile(char const *fileName);
+    // Reads a whole file into the buffer, with the messages of Load.
+    void ReadWholeFile(char const *fileName);
     void LoadFileInChunks(char const *fileName);
     // Parses the chunk in the buffer and reads the next into the spare one,
     // until the final chunk; cleans up and closes the file on failure.

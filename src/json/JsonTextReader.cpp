@@ -1,0 +1,487 @@
+#include "json/JsonTextReader.h"
+
+#include "runtime/FormatString.h"
+#include "runtime/MxException.h"
+#include "values/BinaryData.h"
+
+#include <cstring>
+
+namespace MxXmlLib
+{
+
+namespace
+{
+bool IsWhitespace(char c)
+{
+    return c == '\t' || c == '\r' || c == ' ' || c == '\n';
+}
+
+bool IsDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+// Handlers see values as C strings: text after a zero byte is cut off.
+std::string const &UpToZero(std::string &text)
+{
+    std::size_t const zero = text.find('\0');
+    if (zero != std::string::npos)
+        text.resize(zero);
+    return text;
+}
+} // namespace
+
+CJsonTextReader::CJsonTextReader(std::string const *text, IJsonReaderHandler *handler, std::int32_t depthLimit)
+    : m_handler(handler), m_depthLimit(depthLimit), m_allowComments(true), m_text(text), m_index(0),
+      m_current(0), m_atEof(false), m_line(1), m_position(0)
+{
+}
+
+CJsonTextReader::~CJsonTextReader()
+{
+    delete m_handler;
+}
+
+void CJsonTextReader::Fail(std::string const &message)
+{
+    std::string path;
+    if (auto *provider = dynamic_cast<IErrorPathProvider *>(m_handler))
+        path = provider->GetErrorPath();
+    throw CMxValidationException(message, path);
+}
+
+bool CJsonTextReader::ReadByte()
+{
+    if (m_index >= m_text->size())
+    {
+        m_atEof = true;
+        return false;
+    }
+    m_current = (*m_text)[m_index++];
+    ++m_position;
+    if (m_current == '\n')
+    {
+        ++m_line;
+        m_position = 0;
+    }
+    return true;
+}
+
+void CJsonTextReader::NextToken()
+{
+    // Comments in a row are skipped by this loop rather than by recursion,
+    // so that a text of many comments cannot exhaust the stack.
+    for (;;)
+    {
+        do
+        {
+            if (!ReadByte())
+                return;
+        } while (IsWhitespace(m_current));
+        if (!m_allowComments || m_current != '/' || !SkipComment() || m_atEof)
+            return;
+    }
+}
+
+bool CJsonTextReader::SkipComment()
+{
+    // The byte after '/' decides before it is consumed: anything but '/' or
+    // '*' leaves '/' for the grammar to refuse.
+    if (m_index >= m_text->size())
+        return false;
+    char const next = (*m_text)[m_index];
+    if (next == '/')
+    {
+        while (ReadByte())
+            if (m_current == '\n')
+                break;
+        return true;
+    }
+    if (next != '*')
+        return false;
+    ReadByte();
+    while (ReadByte())
+        if (m_current == '*' && m_index < m_text->size() && (*m_text)[m_index] == '/')
+        {
+            ReadByte();
+            break;
+        }
+    return true;
+}
+
+void CJsonTextReader::NextChar()
+{
+    // Line feeds inside strings and numbers vanish: "1\n2" reads as 12.
+    do
+    {
+        if (!ReadByte())
+            return;
+    } while (m_current == '\n');
+}
+
+void CJsonTextReader::ReadBlock(std::size_t count, std::string &out)
+{
+    std::size_t const left = m_text->size() - m_index;
+    std::size_t const taken = count < left ? count : left;
+    out.assign(*m_text, m_index, taken);
+    m_index += taken;
+    m_position += static_cast<std::int32_t>(taken);
+    if (taken > 0)
+        m_current = out.back();
+    if (taken < count)
+        m_atEof = true;
+}
+
+void CJsonTextReader::Parse()
+{
+    m_index = 0;
+    m_atEof = false;
+    m_line = 1;
+    m_position = 0;
+    m_current = 0;
+    m_handler->StartDocument();
+    if (!m_rootElementName.empty())
+    {
+        m_handler->OnStartObject();
+        m_handler->OnName(m_rootElementName);
+    }
+    NextToken();
+    // What follows the first value is not looked at.
+    if (!m_atEof)
+        ParseValue(0);
+    if (!m_rootElementName.empty())
+        m_handler->OnEndObject();
+    m_handler->EndDocument();
+}
+
+void CJsonTextReader::ParseValue(std::int32_t depth)
+{
+    if (depth + 1 > m_depthLimit)
+        Fail(FormatString("JSON exceeded depth limit at line %d, position %d.", m_line, m_position));
+    std::string text;
+    switch (m_current)
+    {
+    case '{':
+        m_handler->OnStartObject();
+        ParseObject(depth + 1);
+        m_handler->OnEndObject();
+        break;
+    case '[':
+        m_handler->OnStartArray();
+        ParseArray(depth + 1);
+        m_handler->OnEndArray();
+        break;
+    case '"':
+        ParseString(text);
+        m_handler->OnString(UpToZero(text));
+        break;
+    case 'n':
+        ParseNull();
+        m_handler->OnNull();
+        break;
+    case 't':
+        ParseTrue();
+        m_handler->OnBoolean(true);
+        break;
+    case 'f':
+        ParseFalse();
+        m_handler->OnBoolean(false);
+        break;
+    case '-':
+    case '0':
+    case '1':
+    case '2':
+    case '3':
+    case '4':
+    case '5':
+    case '6':
+    case '7':
+    case '8':
+    case '9':
+        ParseNumber(text);
+        m_handler->OnNumber(text);
+        break;
+    default:
+        Fail(FormatString("Expected Value '{', '[', '\"', '0-9', '-', 'true', 'false' or 'null', found '%c' at line "
+                          "%d, position %d.",
+                          m_current, m_line, m_position));
+    }
+}
+
+void CJsonTextReader::ParseObject(std::int32_t depth)
+{
+    NextToken();
+    if (m_atEof)
+        Fail(FormatString("Unexpected End of File. Expected Object terminator character '}}' at line %d, position %d.",
+                          m_line, m_position));
+    if (m_current == '}')
+    {
+        NextToken();
+        return;
+    }
+    std::string name;
+    for (;;)
+    {
+        if (m_current != '"')
+            Fail(FormatString("Expected quotation mark character '\"' before Name, found '%c' at line %d, position %d.",
+                              m_current, m_line, m_position));
+        ParseString(name);
+        m_handler->OnName(UpToZero(name));
+        if (m_atEof)
+            Fail(FormatString("Unexpected End of File. Expected Object Name/Value separator character ':' at line %d, "
+                              "position %d.",
+                              m_line, m_position));
+        if (m_current != ':')
+            Fail(FormatString("Expected Object Name/Value separator character ':', found '%c' at line %d, position %d.",
+                              m_current, m_line, m_position));
+        NextToken();
+        if (m_atEof)
+            Fail(FormatString("Unexpected End of File. Expected Object Value at line %d, position %d.", m_line,
+                              m_position));
+        ParseValue(depth);
+        if (m_atEof)
+            Fail(FormatString("Unexpected End of File. Expected Object terminator character '}' at line %d, position %d.",
+                              m_line, m_position));
+        if (m_current == '}')
+        {
+            NextToken();
+            return;
+        }
+        if (m_current != ',')
+            Fail(FormatString("Expected Object separator character ',', found '%c' at line %d, position %d.", m_current,
+                              m_line, m_position));
+        NextToken();
+        if (m_atEof)
+            Fail(FormatString("Unexpected End of File. Expected Object terminator character '}' at line %d, position %d.",
+                              m_line, m_position));
+    }
+}
+
+void CJsonTextReader::ParseArray(std::int32_t depth)
+{
+    NextToken();
+    if (m_atEof)
+        Fail(FormatString("Unexpected End of File. Expected Array terminator character ']' at line %d, position %d.",
+                          m_line, m_position));
+    if (m_current == ']')
+    {
+        NextToken();
+        return;
+    }
+    for (;;)
+    {
+        // A trailing comma reaches here and fails as a missing value.
+        ParseValue(depth);
+        if (m_atEof)
+            Fail(FormatString("Unexpected End of File. Expected Array terminator character ']' at line %d, position %d.",
+                              m_line, m_position));
+        if (m_current == ']')
+        {
+            NextToken();
+            return;
+        }
+        if (m_current != ',')
+            Fail(FormatString("Expected Array separator character ',', found '%c' at line %d, position %d.", m_current,
+                              m_line, m_position));
+        NextToken();
+        if (m_atEof)
+            Fail(FormatString("Unexpected End of File. Expected Array terminator character ']' at line %d, position %d.",
+                              m_line, m_position));
+    }
+}
+
+void CJsonTextReader::ParseString(std::string &out)
+{
+    out.clear();
+    std::string hex;
+    for (;;)
+    {
+        NextChar();
+        if (m_atEof)
+            Fail(FormatString("Unexpected End of File. Expected string value at line %d, position %d.", m_line,
+                              m_position));
+        if (m_current == '"')
+        {
+            // The end of the text right after a string is for the caller to judge.
+            NextToken();
+            return;
+        }
+        if (m_current != '\\')
+        {
+            out += m_current;
+            continue;
+        }
+        NextChar();
+        if (m_atEof)
+            Fail(FormatString("Unexpected End of File. Expected string value at line %d, position %d.", m_line,
+                              m_position));
+        switch (m_current)
+        {
+        case '"':
+        case '\\':
+        case '/':
+            out += m_current;
+            break;
+        case 'b':
+            out += '\x08';
+            break;
+        case 'f':
+            out += '\x0C';
+            break;
+        case 'n':
+            out += '\x0A';
+            break;
+        case 'r':
+            out += '\x0D';
+            break;
+        case 't':
+            out += '\x09';
+            break;
+        case 'u':
+            // The four characters are not decoded: the escape stands for the
+            // first character of their hex dump, as the writer's peers expect.
+            ReadBlock(4, hex);
+            if (hex.size() < 4)
+                Fail(FormatString("Unexpected End of File. Expected 4 hexadecimal digits'\\uxxxx' at line %d, "
+                                  "position %d.",
+                                  m_line, m_position));
+            out += CBinaryData::GetAsHexString(reinterpret_cast<unsigned char const *>(hex.data()), 4)[0];
+            break;
+        default:
+            Fail(FormatString("Invalid Escape Character '%c' at line %d, position %d.", m_current, m_line,
+                              m_position));
+        }
+    }
+}
+
+void CJsonTextReader::AppendDigits(std::string &out)
+{
+    while (IsDigit(m_current))
+    {
+        out += m_current;
+        NextChar();
+        if (m_atEof)
+            return;
+    }
+}
+
+void CJsonTextReader::ParseNumber(std::string &out)
+{
+    // The digits are kept as they stand; nothing converts them.
+    out.clear();
+    if (m_current == '-')
+    {
+        out += '-';
+        NextChar();
+        if (m_atEof)
+            Fail(FormatString("Unexpected End of File. Expected a number at line %d, position %d.", m_line,
+                              m_position));
+    }
+    if (m_current == '0')
+    {
+        out += '0';
+        NextChar();
+    }
+    else if (IsDigit(m_current))
+        AppendDigits(out);
+    else
+        Fail(FormatString("Expected a digit '0' to '9', found '%c' at line %d, position %d.", m_current, m_line,
+                          m_position));
+    if (m_atEof)
+        return;
+    if (m_current == '.')
+    {
+        out += '.';
+        NextChar();
+        if (m_atEof)
+            Fail(FormatString("Unexpected End of File. Expected a digit '0' to '9' at line %d, position %d.", m_line,
+                              m_position));
+        if (!IsDigit(m_current))
+            Fail(FormatString("Expected a digit '0' to '9', found '%c' at line %d, position %d.", m_current, m_line,
+                              m_position));
+        AppendDigits(out);
+        if (m_atEof)
+            return;
+    }
+    if (m_current == 'e' || m_current == 'E')
+    {
+        out += m_current;
+        NextChar();
+        if (m_atEof)
+            Fail(FormatString("Unexpected End of File. Expected '+', '-' or a number at line %d, position %d.", m_line,
+                              m_position));
+        if (m_current == '+' || m_current == '-')
+        {
+            out += m_current;
+            NextChar();
+            if (m_atEof)
+                Fail(FormatString("Unexpected End of File. Expected a number at line %d, position %d.", m_line,
+                                  m_position));
+        }
+        // The words of the end of the text, though it has not ended.
+        if (!IsDigit(m_current))
+            Fail(FormatString("Unexpected End of File. Expected a digit '0' to '9' at line %d, position %d.", m_line,
+                              m_position));
+        AppendDigits(out);
+        if (m_atEof)
+            return;
+    }
+    if (IsWhitespace(m_current))
+        NextToken();
+}
+
+CJsonTextReader::WordMatch CJsonTextReader::ReadWord(char const *rest, std::size_t length)
+{
+    std::string taken;
+    ReadBlock(length, taken);
+    if (taken.size() < length)
+        return WordMatch::EndOfText;
+    if (std::memcmp(taken.data(), rest, length) != 0)
+        return WordMatch::Mismatch;
+    NextToken();
+    return WordMatch::Matched;
+}
+
+void CJsonTextReader::ParseNull()
+{
+    switch (ReadWord("ull", 3))
+    {
+    case WordMatch::EndOfText:
+        Fail(FormatString("Unexpected End of File. Expected value 'NULL' at line %d, position %d.", m_line,
+                          m_position));
+    case WordMatch::Mismatch:
+        Fail(FormatString("Expected 'NULL' at line %d, position %d.", m_line, m_position));
+    case WordMatch::Matched:
+        break;
+    }
+}
+
+void CJsonTextReader::ParseTrue()
+{
+    switch (ReadWord("rue", 3))
+    {
+    case WordMatch::EndOfText:
+        Fail(FormatString("Unexpected End of File. Expected value 'true' at line %d, position %d.", m_line,
+                          m_position));
+    case WordMatch::Mismatch:
+        Fail(FormatString("Expected 'true' at line %d, position %d.", m_line, m_position));
+    case WordMatch::Matched:
+        break;
+    }
+}
+
+void CJsonTextReader::ParseFalse()
+{
+    switch (ReadWord("alse", 4))
+    {
+    case WordMatch::EndOfText:
+        Fail(FormatString("Unexpected End of File. Expected value 'false' at line %d, position %d.", m_line,
+                          m_position));
+    case WordMatch::Mismatch:
+        Fail(FormatString("Expected 'false' at line %d, position %d.", m_line, m_position));
+    case WordMatch::Matched:
+        break;
+    }
+}
+
+} // namespace MxXmlLib

@@ -1,0 +1,395 @@
+#include "json/JsonTextWriter.h"
+
+#include "runtime/FormatString.h"
+#include "runtime/MxException.h"
+
+namespace MxXmlLib
+{
+
+namespace
+{
+char const kXsiNamespace[] = "http://www.w3.org/2001/XMLSchema-instance";
+char const kXmlNamespace[] = "http://www.w3.org/XML/1998/namespace";
+constexpr std::uint32_t kFlushThreshold = 4096;
+
+// Bytes that WriteEscaped must look at: the end and the control characters
+// other than backspace, tab and form feed, which are copied as they stand.
+struct SpecialBytes
+{
+    bool table[256] = {};
+    constexpr SpecialBytes()
+    {
+        for (unsigned c = 0; c < 0x20; ++c)
+            table[c] = c != 0x08 && c != 0x09 && c != 0x0C;
+    }
+    constexpr bool operator[](unsigned char c) const { return table[c]; }
+};
+constexpr SpecialBytes kSpecial;
+
+// The types whose text is a JSON number or boolean as CConversions gives it.
+bool IsUnquoted(ItemType type)
+{
+    return (type >= ItemType_i1 && type <= ItemType_r8) || (type >= ItemType_boolean && type <= ItemType_integer);
+}
+} // namespace
+
+CJsonTextWriter::CJsonTextWriter(CTextStream *stream)
+    : m_indentChars("\t"), m_eolString("\n"), m_eolMode(LF), m_roundTrip(RoundTripFull), m_formatted(true),
+      m_stream(stream), m_valuePending(false)
+{
+}
+
+CJsonTextWriter::~CJsonTextWriter() = default;
+
+void CJsonTextWriter::SetEolType(EOLType type)
+{
+    if (type == CRLF)
+        m_eolString = "\r\n";
+    else if (type == LF)
+        m_eolString = "\n";
+    else
+        throw CMxException("Invalid EOL type.");
+    m_eolMode = type;
+}
+
+void CJsonTextWriter::WriteIndent(std::int32_t depth)
+{
+    if (depth <= 0)
+        return;
+    std::string indent;
+    indent.reserve(m_indentChars.size() * static_cast<std::size_t>(depth));
+    for (std::int32_t i = 0; i < depth; ++i)
+        indent += m_indentChars;
+    Write(indent);
+}
+
+void CJsonTextWriter::FlushCheck()
+{
+    if (m_stream->GetLength() >= kFlushThreshold)
+        m_stream->Flush();
+}
+
+CXmlWriter::CXmlWriterContext &CJsonTextWriter::Current()
+{
+    if (m_current == nullptr)
+        throw CMxInvalidStateException("No element is open.");
+    return *m_current;
+}
+
+void CJsonTextWriter::StartDocument()
+{
+    m_stream->Start();
+}
+
+void CJsonTextWriter::EndDocument()
+{
+    m_stream->End();
+    CXmlWriter::EndDocument();
+}
+
+void CJsonTextWriter::WriteDocumentStart()
+{
+    Put('{');
+    if (m_formatted)
+        Write(m_eolString);
+    FlushCheck();
+}
+
+void CJsonTextWriter::WriteDocumentEnd()
+{
+    if (m_formatted)
+        Write(m_eolString);
+    Put('}');
+}
+
+void CJsonTextWriter::WriteComment(std::string const &text)
+{
+    Write("/* ", 3);
+    WriteEscaped(text.c_str());
+    Write(" */", 3);
+    Write(m_eolString);
+    FlushCheck();
+}
+
+void CJsonTextWriter::WriteProcessingInstruction(std::string const &) {}
+
+void CJsonTextWriter::WriteInLineSchema(std::string const &) {}
+
+void CJsonTextWriter::WriteNilAttribute() {}
+
+// Called before `context` gets a member. The first member decides that the
+// element is an object; if the element is the first item of an announced
+// collection, the array opens here too, and everything open so far moves one
+// level in.
+void CJsonTextWriter::WriteSeparator(Context *context)
+{
+    Context *parent = context->GetParent();
+    if (m_valuePending && parent && parent->ArrayState == Context::ArrayPending)
+    {
+        parent->ArrayState = Context::ArrayOpen;
+        Put('[');
+        if (m_formatted)
+        {
+            for (Context *c = context; c; c = c->GetParent())
+                ++c->Depth;
+            Write(m_eolString);
+            WriteIndent(context->Depth);
+        }
+    }
+    Put(m_valuePending ? '{' : ',');
+    if (m_formatted)
+        Write(m_eolString);
+}
+
+void CJsonTextWriter::WriteDeclaration(Context *context, std::string const &prefix, std::string const &uri)
+{
+    WriteSeparator(context);
+    if (m_formatted)
+        WriteIndent(context->Depth + 1);
+    if (prefix.empty())
+        Write("\"@xmlns\": \"", 11);
+    else
+    {
+        Write("\"@xmlns:", 8);
+        Write(prefix);
+        Write("\": \"", 4);
+    }
+    Write(uri);
+    Put('"');
+    m_valuePending = false;
+}
+
+void CJsonTextWriter::StartElement(std::string const &localName, std::string const &namespaceUri)
+{
+    Context *parent = m_current;
+    // Items after the first of an open array are anonymous members of it.
+    bool nameWanted = true;
+    if (parent)
+    {
+        nameWanted = parent->ArrayState != Context::ArrayOpen;
+        WriteSeparator(parent);
+    }
+    bool const isRoot = parent == nullptr;
+    Context *context = CreateContext(localName, namespaceUri);
+    if (isRoot)
+        context->Depth = 1;
+    // Until it becomes current, the new context is ours to release on failure.
+    try
+    {
+        if (m_formatted)
+            WriteIndent(context->Depth);
+        if (m_roundTrip != RoundTripFull || !nameWanted)
+        {
+            if (nameWanted)
+            {
+                Put('"');
+                Write(localName);
+                Write("\": ", 3);
+            }
+            m_valuePending = true;
+            FlushCheck();
+            SetCurrentContext(context);
+            return;
+        }
+        if (namespaceUri.empty() || namespaceUri == context->GetEffectiveDefaultNamespace())
+        {
+            Put('"');
+            Write(localName);
+            Write("\": ", 3);
+            m_valuePending = true;
+        }
+        else
+        {
+            std::string prefix;
+            bool generated = false;
+            if (std::string const *mapped = context->FindPrefix(namespaceUri))
+                prefix = *mapped;
+            else if (!isRoot)
+                throw CMxException(FormatString("Unknown Namespace: %s.", localName.c_str()));
+            else
+            {
+                prefix = context->GeneratePrefix();
+                context->AddNamespace(prefix, namespaceUri);
+                generated = true;
+            }
+            Put('"');
+            Write(prefix);
+            Put(':');
+            Write(localName);
+            Write("\": ", 3);
+            m_valuePending = true;
+            if (generated)
+                WriteDeclaration(context, prefix, namespaceUri);
+        }
+        if (isRoot)
+        {
+            if (!m_defaultNamespace.empty())
+                WriteDeclaration(context, std::string(), m_defaultNamespace);
+            for (auto const &entry : m_namespaceMap)
+            {
+                // A prefix test, not equality: nothing under the XML namespace is declared.
+                if (entry.first.compare(0, sizeof(kXmlNamespace) - 1, kXmlNamespace) == 0)
+                    continue;
+                WriteDeclaration(context, entry.second, entry.first);
+            }
+        }
+        FlushCheck();
+    }
+    catch (...)
+    {
+        ReleaseContext(context);
+        throw;
+    }
+    SetCurrentContext(context);
+}
+
+void CJsonTextWriter::WriteText(std::string const &value, ItemType type, bool)
+{
+    Context &context = Current();
+    if (!m_valuePending)
+    {
+        Put(',');
+        if (m_formatted)
+        {
+            Write(m_eolString);
+            WriteIndent(context.Depth + 1);
+        }
+        if (m_roundTrip != RoundTripNone)
+            Write("\"#text\": ", 9);
+        else
+            Write("\"\": ", 4);
+    }
+    // An element with text only stays pending: its key takes the bare value.
+    WriteValue(value, type);
+}
+
+void CJsonTextWriter::EndElement()
+{
+    Context &context = Current();
+    // The "]" of a collection is owed by the element that holds it.
+    if (context.ArrayState == Context::ArrayClosing)
+    {
+        context.ArrayState = Context::ArrayNone;
+        if (m_formatted)
+        {
+            Write(m_eolString);
+            WriteIndent(context.Depth);
+            for (Context *c = &context; c; c = c->GetParent())
+                if (c->Depth > 1)
+                    --c->Depth;
+        }
+        Put(']');
+    }
+    if (!m_valuePending)
+    {
+        if (m_formatted)
+        {
+            Write(m_eolString);
+            WriteIndent(context.Depth);
+        }
+        Put('}');
+    }
+    PopContext();
+    m_valuePending = false;
+}
+
+void CJsonTextWriter::WriteAttribute(std::string const &localName, std::string const &namespaceUri,
+                                     std::string const &value, ItemType type)
+{
+    Context &context = Current();
+    WriteSeparator(&context);
+    if (m_formatted)
+        WriteIndent(context.Depth + 1);
+    if (namespaceUri.empty() || m_roundTrip != RoundTripFull)
+    {
+        if (m_roundTrip == RoundTripNone)
+            Put('"');
+        else
+            Write("\"@", 2);
+    }
+    else
+    {
+        // Unlike an element, an attribute never takes the default namespace.
+        std::string const *prefix = context.FindPrefix(namespaceUri);
+        if (prefix == nullptr)
+            throw CMxException(FormatString("Unknown Namespace: %s.", localName.c_str()));
+        Write("\"@", 2);
+        Write(*prefix);
+        Put(':');
+    }
+    Write(localName);
+    Write("\": ", 3);
+    WriteValue(value, type);
+    m_valuePending = false;
+}
+
+void CJsonTextWriter::WriteTypeAttribute(std::string const &typeNamespace, std::string const &typeName,
+                                         ItemType type)
+{
+    if (m_roundTrip != RoundTripFull)
+        return;
+    Context &context = Current();
+    std::string value;
+    if (!typeNamespace.empty() && typeNamespace != context.GetEffectiveDefaultNamespace())
+    {
+        std::string const *prefix = context.FindPrefix(typeNamespace);
+        if (prefix == nullptr)
+            throw CMxException(FormatString("Unknown Namespace: %s.", typeName.c_str()));
+        value = *prefix + ":" + typeName;
+    }
+    else
+        value = typeName;
+    WriteAttribute("type", kXsiNamespace, value, type);
+}
+
+void CJsonTextWriter::WriteValue(std::string const &value, ItemType type)
+{
+    if (IsUnquoted(type))
+    {
+        Write(value);
+        return;
+    }
+    Put('"');
+    WriteEscaped(value.c_str());
+    Put('"');
+}
+
+void CJsonTextWriter::WriteEscaped(char const *text)
+{
+    static char const kHex[] = "0123456789ABCDEF";
+    char const *run = text;
+    char const *p = text;
+    for (;; ++p)
+    {
+        unsigned char const c = static_cast<unsigned char>(*p);
+        // Most bytes are copied: scan them as one run.
+        if (!kSpecial[c])
+            continue;
+        if (p > run)
+            Write(run, static_cast<std::size_t>(p - run));
+        run = p + 1;
+        switch (c)
+        {
+        case 0x00:
+            return;
+        case 0x0A:
+            if (m_eolMode == CRLF)
+                Write("\r\n", 2);
+            else if (m_eolMode == LF)
+                Put('\n');
+            else
+                throw CMxException("Invalid EOL type.");
+            break;
+        case 0x0D:
+            break;
+        default:
+        {
+            char const escape[6] = {'\\', 'u', '0', '0', kHex[c >> 4], kHex[c & 0x0F]};
+            Write(escape, sizeof escape);
+            break;
+        }
+        }
+    }
+}
+
+} // namespace MxXmlLib
