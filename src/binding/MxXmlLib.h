@@ -50,3 +50,4 @@
 #include "runtime/FileTextStream.h"
 #include "runtime/Compression.h"
 #include "collections/PrimitiveCollections.h"
+#include "json/JsonContext.h"
