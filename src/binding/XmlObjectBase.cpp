@@ -360,18 +360,17 @@ void CXmlObjectBase::FromXmlElement(CXmlElement const *element, CSerializationCo
     CheckVersion();
     // The tree's nodes are not changed by reading; the readers take them
     // non-const only because they hand out cursors into them.
+    if (element == nullptr)
+        throw CMxInvalidParamException("The element to read from is NULL.");
     auto *e = const_cast<CXmlElement *>(element);
-    FromXml_Int(e, e ? e->GetFirstElement() : nullptr, context, false);
+    FromXml_Int(e, e->GetFirstElement(), context, false);
 }
 
 void CXmlObjectBase::FromXmlElement(CElement const *element, CSerializationContext const &context)
 {
     CheckVersion();
     if (element == nullptr)
-    {
-        FromXml_Int(nullptr, nullptr, context, false);
-        return;
-    }
+        throw CMxInvalidParamException("The element to read from is NULL.");
     std::string const text = element->ToXml(false, false, LF, CSerializationContext::GetDefaultContext());
     FromXml(text.c_str(), context);
 }

@@ -64,6 +64,11 @@ TEST_F(Registered, ReadsFromText)
 
 TEST_F(Registered, ReadsFromAnElementTheCallerKeeps)
 {
+    CSmartPtr<CSimpleOrder> empty(new CSimpleOrder);
+    EXPECT_EQ("The element to read from is NULL.",
+              ErrorOf([&] { empty->FromXmlElement(static_cast<CXmlElement const *>(nullptr)); }));
+    EXPECT_EQ("The element to read from is NULL.",
+              ErrorOf([&] { empty->FromXmlElement(static_cast<CElement const *>(nullptr)); }));
     CXmlDocument document;
     document.LoadXml("<order xmlns='urn:orders'><item>a</item></order>");
     CSmartPtr<CSimpleOrder> order(new CSimpleOrder);
