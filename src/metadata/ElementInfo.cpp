@@ -6,6 +6,7 @@
 #include "document/XmlWriter.h"
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
+#include "metadata/ElementRowSteps.h"
 #include "values/FacetCheck.h"
 
 namespace MxXmlLibData
@@ -317,6 +318,16 @@ void CElementInfo::ElementFromXmlEnum(CSerializationContext const &context, CXml
         InvokePropertySet(object, value, *e);
     }
     *current = e->GetNextSiblingElement();
+}
+
+void CElementInfo::CollectionAttributesToXml(XmlElementType elementType, CSerializationContext const &context,
+                                             CXmlGeneratedClass const *object, CXmlWriter *writer) const
+{
+    if (elementType != XmlElementType_PseudoElement)
+        return;
+    MxVariant value;
+    ReadProperty(object, value);
+    RowSteps::WriteItemAttributes(value, m_elementName, context, writer);
 }
 
 CXmlElement *CElementInfo::FromXml_Int(CXmlObjectBase *object, CXmlElement *element, CXmlElement *cursor,

@@ -174,6 +174,10 @@ protected:
                              CSerializationContext const &context, bool optionalChoice) const;
     void AttributesToXml_Int(CXmlObjectBase const *object, CXmlWriter *writer,
                              CSerializationContext const &context) const;
+    // A collection of pseudo elements forwards the attributes of its items to
+    // the parent's element; other collections write none there.
+    void CollectionAttributesToXml(XmlElementType elementType, CSerializationContext const &context,
+                                   CXmlGeneratedClass const *object, CXmlWriter *writer) const;
     // The namespace a new untyped element starts with, from an xs:any restriction.
     static std::string GetAnyDefaultNamespace(char const *restriction, char const *classNamespace,
                                               char const *targetNamespace);

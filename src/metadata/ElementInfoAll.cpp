@@ -51,11 +51,7 @@ CElementInfoAllAbsClsCol::CElementInfoAllAbsClsCol(char const *name, char const 
 void CElementInfoAllAbsClsCol::PseudoChildAttributeToXml(CSerializationContext const &context,
                                                          CXmlGeneratedClass const *object, CXmlWriter *writer) const
 {
-    if (m_elementType != XmlElementType_PseudoElement)
-        return;
-    MxVariant value;
-    ReadProperty(object, value);
-    WriteItemAttributes(value, m_elementName, context, writer);
+    CollectionAttributesToXml(m_elementType, context, object, writer);
 }
 
 CElementInfoAllClsCol::CElementInfoAllClsCol(char const *name, char const *elementNamespace, int propertyIndex,
@@ -67,11 +63,7 @@ CElementInfoAllClsCol::CElementInfoAllClsCol(char const *name, char const *eleme
 void CElementInfoAllClsCol::PseudoChildAttributeToXml(CSerializationContext const &context,
                                                       CXmlGeneratedClass const *object, CXmlWriter *writer) const
 {
-    if (m_elementType != XmlElementType_PseudoElement)
-        return;
-    MxVariant value;
-    ReadProperty(object, value);
-    WriteItemAttributes(value, m_elementName, context, writer);
+    CollectionAttributesToXml(m_elementType, context, object, writer);
 }
 
 CElementInfoAllEnumCol::CElementInfoAllEnumCol(char const *name, char const *elementNamespace, int propertyIndex)

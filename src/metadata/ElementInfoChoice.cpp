@@ -68,11 +68,7 @@ void CElementInfoChoiceAbsClsCol::PseudoChildAttributeToXml(CSerializationContex
                                                             CXmlGeneratedClass const *object,
                                                             CXmlWriter *writer) const
 {
-    if (m_elementType != XmlElementType_PseudoElement)
-        return;
-    MxVariant value;
-    ReadProperty(object, value);
-    WriteItemAttributes(value, m_elementName, context, writer);
+    CollectionAttributesToXml(m_elementType, context, object, writer);
 }
 
 CElementInfoChoiceClsCol::CElementInfoChoiceClsCol(char const *name, char const *elementNamespace,
@@ -84,11 +80,7 @@ CElementInfoChoiceClsCol::CElementInfoChoiceClsCol(char const *name, char const 
 void CElementInfoChoiceClsCol::PseudoChildAttributeToXml(CSerializationContext const &context,
                                                          CXmlGeneratedClass const *object, CXmlWriter *writer) const
 {
-    if (m_elementType != XmlElementType_PseudoElement)
-        return;
-    MxVariant value;
-    ReadProperty(object, value);
-    WriteItemAttributes(value, m_elementName, context, writer);
+    CollectionAttributesToXml(m_elementType, context, object, writer);
 }
 
 CElementInfoChoiceEnumCol::CElementInfoChoiceEnumCol(char const *name, char const *elementNamespace,

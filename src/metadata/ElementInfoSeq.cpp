@@ -67,11 +67,7 @@ CElementInfoSeqAbsClsCol::CElementInfoSeqAbsClsCol(char const *name, char const 
 void CElementInfoSeqAbsClsCol::PseudoChildAttributeToXml(CSerializationContext const &context,
                                                          CXmlGeneratedClass const *object, CXmlWriter *writer) const
 {
-    if (m_elementType != XmlElementType_PseudoElement)
-        return;
-    MxVariant value;
-    ReadProperty(object, value);
-    WriteItemAttributes(value, m_elementName, context, writer);
+    CollectionAttributesToXml(m_elementType, context, object, writer);
 }
 
 CElementInfoSeqClsCol::CElementInfoSeqClsCol(char const *name, char const *elementNamespace, int propertyIndex,
@@ -83,11 +79,7 @@ CElementInfoSeqClsCol::CElementInfoSeqClsCol(char const *name, char const *eleme
 void CElementInfoSeqClsCol::PseudoChildAttributeToXml(CSerializationContext const &context,
                                                       CXmlGeneratedClass const *object, CXmlWriter *writer) const
 {
-    if (m_elementType != XmlElementType_PseudoElement)
-        return;
-    MxVariant value;
-    ReadProperty(object, value);
-    WriteItemAttributes(value, m_elementName, context, writer);
+    CollectionAttributesToXml(m_elementType, context, object, writer);
 }
 
 CElementInfoSeqEnumCol::CElementInfoSeqEnumCol(char const *name, char const *elementNamespace, int propertyIndex)
