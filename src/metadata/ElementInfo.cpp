@@ -330,6 +330,16 @@ void CElementInfo::CollectionAttributesToXml(XmlElementType elementType, CSerial
     RowSteps::WriteItemAttributes(value, m_elementName, context, writer);
 }
 
+void CElementInfo::ChildAttributesToXml(XmlElementType elementType, CSerializationContext const &context,
+                                        CXmlGeneratedClass const *object, CXmlWriter *writer) const
+{
+    if (elementType != XmlElementType_PseudoElement)
+        return;
+    MxVariant value;
+    ReadProperty(object, value);
+    RowSteps::WriteChildAttributes(value, context, writer);
+}
+
 CXmlElement *CElementInfo::FromXml_Int(CXmlObjectBase *object, CXmlElement *element, CXmlElement *cursor,
                                        CSerializationContext const &context, bool optionalChoice) const
 {

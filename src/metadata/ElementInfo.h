@@ -178,6 +178,9 @@ protected:
     // the parent's element; other collections write none there.
     void CollectionAttributesToXml(XmlElementType elementType, CSerializationContext const &context,
                                    CXmlGeneratedClass const *object, CXmlWriter *writer) const;
+    // The same for a single child object of a pseudo element.
+    void ChildAttributesToXml(XmlElementType elementType, CSerializationContext const &context,
+                              CXmlGeneratedClass const *object, CXmlWriter *writer) const;
     // The namespace a new untyped element starts with, from an xs:any restriction.
     static std::string GetAnyDefaultNamespace(char const *restriction, char const *classNamespace,
                                               char const *targetNamespace);

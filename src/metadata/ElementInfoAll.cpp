@@ -142,11 +142,7 @@ bool CElementInfoAllAbsClsMnd::Validate(CSerializationContext const &, CXmlGener
 void CElementInfoAllAbsClsMnd::PseudoChildAttributeToXml(CSerializationContext const &context,
                                                          CXmlGeneratedClass const *object, CXmlWriter *writer) const
 {
-    if (m_elementType != XmlElementType_PseudoElement)
-        return;
-    MxVariant value;
-    ReadProperty(object, value);
-    WriteChildAttributes(value, context, writer);
+    ChildAttributesToXml(m_elementType, context, object, writer);
 }
 
 CElementInfoAllAbsClsOpt::CElementInfoAllAbsClsOpt(char const *name, char const *elementNamespace,
@@ -196,11 +192,7 @@ bool CElementInfoAllAbsClsOpt::Validate(CSerializationContext const &, CXmlGener
 void CElementInfoAllAbsClsOpt::PseudoChildAttributeToXml(CSerializationContext const &context,
                                                          CXmlGeneratedClass const *object, CXmlWriter *writer) const
 {
-    if (m_elementType != XmlElementType_PseudoElement)
-        return;
-    MxVariant value;
-    ReadProperty(object, value);
-    WriteChildAttributes(value, context, writer);
+    ChildAttributesToXml(m_elementType, context, object, writer);
 }
 
 // ---------------------------------------------------------------------------
@@ -251,11 +243,7 @@ bool CElementInfoAllClsMnd::Validate(CSerializationContext const &, CXmlGenerate
 void CElementInfoAllClsMnd::PseudoChildAttributeToXml(CSerializationContext const &context,
                                                       CXmlGeneratedClass const *object, CXmlWriter *writer) const
 {
-    if (m_elementType != XmlElementType_PseudoElement)
-        return;
-    MxVariant value;
-    ReadProperty(object, value);
-    WriteChildAttributes(value, context, writer);
+    ChildAttributesToXml(m_elementType, context, object, writer);
 }
 
 CElementInfoAllClsOpt::CElementInfoAllClsOpt(char const *name, char const *elementNamespace, int propertyIndex,
@@ -302,11 +290,7 @@ bool CElementInfoAllClsOpt::Validate(CSerializationContext const &, CXmlGenerate
 void CElementInfoAllClsOpt::PseudoChildAttributeToXml(CSerializationContext const &context,
                                                       CXmlGeneratedClass const *object, CXmlWriter *writer) const
 {
-    if (m_elementType != XmlElementType_PseudoElement)
-        return;
-    MxVariant value;
-    ReadProperty(object, value);
-    WriteChildAttributes(value, context, writer);
+    ChildAttributesToXml(m_elementType, context, object, writer);
 }
 
 // ---------------------------------------------------------------------------

@@ -156,11 +156,7 @@ void CElementInfoChoiceAbsClsOpt::PseudoChildAttributeToXml(CSerializationContex
                                                             CXmlGeneratedClass const *object,
                                                             CXmlWriter *writer) const
 {
-    if (m_elementType != XmlElementType_PseudoElement)
-        return;
-    MxVariant value;
-    ReadProperty(object, value);
-    WriteChildAttributes(value, context, writer);
+    ChildAttributesToXml(m_elementType, context, object, writer);
 }
 
 CElementInfoChoiceClsOpt::CElementInfoChoiceClsOpt(char const *name, char const *elementNamespace,
@@ -208,11 +204,7 @@ bool CElementInfoChoiceClsOpt::ElementFromXml(CSerializationContext const &conte
 void CElementInfoChoiceClsOpt::PseudoChildAttributeToXml(CSerializationContext const &context,
                                                          CXmlGeneratedClass const *object, CXmlWriter *writer) const
 {
-    if (m_elementType != XmlElementType_PseudoElement)
-        return;
-    MxVariant value;
-    ReadProperty(object, value);
-    WriteChildAttributes(value, context, writer);
+    ChildAttributesToXml(m_elementType, context, object, writer);
 }
 
 // ---------------------------------------------------------------------------

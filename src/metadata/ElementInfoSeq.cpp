@@ -155,11 +155,7 @@ bool CElementInfoSeqAbsClsMnd::ElementFromXml(CSerializationContext const &conte
 void CElementInfoSeqAbsClsMnd::PseudoChildAttributeToXml(CSerializationContext const &context,
                                                          CXmlGeneratedClass const *object, CXmlWriter *writer) const
 {
-    if (m_elementType != XmlElementType_PseudoElement)
-        return;
-    MxVariant value;
-    ReadProperty(object, value);
-    WriteChildAttributes(value, context, writer);
+    ChildAttributesToXml(m_elementType, context, object, writer);
 }
 
 CElementInfoSeqAbsClsOpt::CElementInfoSeqAbsClsOpt(char const *name, char const *elementNamespace,
@@ -195,11 +191,7 @@ bool CElementInfoSeqAbsClsOpt::ElementFromXml(CSerializationContext const &conte
 void CElementInfoSeqAbsClsOpt::PseudoChildAttributeToXml(CSerializationContext const &context,
                                                          CXmlGeneratedClass const *object, CXmlWriter *writer) const
 {
-    if (m_elementType != XmlElementType_PseudoElement)
-        return;
-    MxVariant value;
-    ReadProperty(object, value);
-    WriteChildAttributes(value, context, writer);
+    ChildAttributesToXml(m_elementType, context, object, writer);
 }
 
 // ---------------------------------------------------------------------------
@@ -279,11 +271,7 @@ bool CElementInfoSeqClsMnd::ReadInline(CSerializationContext const &context, CXm
 void CElementInfoSeqClsMnd::PseudoChildAttributeToXml(CSerializationContext const &context,
                                                       CXmlGeneratedClass const *object, CXmlWriter *writer) const
 {
-    if (m_elementType != XmlElementType_PseudoElement)
-        return;
-    MxVariant value;
-    ReadProperty(object, value);
-    WriteChildAttributes(value, context, writer);
+    ChildAttributesToXml(m_elementType, context, object, writer);
 }
 
 CElementInfoSeqClsOpt::CElementInfoSeqClsOpt(char const *name, char const *elementNamespace, int propertyIndex,
@@ -331,11 +319,7 @@ bool CElementInfoSeqClsOpt::ElementFromXml(CSerializationContext const &context,
 void CElementInfoSeqClsOpt::PseudoChildAttributeToXml(CSerializationContext const &context,
                                                       CXmlGeneratedClass const *object, CXmlWriter *writer) const
 {
-    if (m_elementType != XmlElementType_PseudoElement)
-        return;
-    MxVariant value;
-    ReadProperty(object, value);
-    WriteChildAttributes(value, context, writer);
+    ChildAttributesToXml(m_elementType, context, object, writer);
 }
 
 // ---------------------------------------------------------------------------
