@@ -1,6 +1,7 @@
 #include "binding/SerializationContext.h"
 
 #include "collections/AttributeCol.h"
+#include "fastinfoset/FastInfosetContext.h"
 #include "runtime/MxException.h"
 
 namespace MxXmlLib
@@ -9,7 +10,7 @@ namespace MxXmlLib
 CSerializationContext CSerializationContext::m_defaultContext;
 
 CSerializationContext::CSerializationContext()
-    : m_writeTypeAttribute(true), m_ignoreInvalidCollectionCounts(false), m_ignoreMissingChoice(false),
+    : m_fiContext(nullptr), m_writeTypeAttribute(true), m_ignoreInvalidCollectionCounts(false), m_ignoreMissingChoice(false),
       m_ignoreMissingMandatoryElements(false), m_ignoreUnknownElements(false), m_ignoreUnknownAttributes(false),
       m_ignoreNamespaces(false), m_schemaType(SchemaType_Default), m_noOptionalAttributeDefaultOutput(false),
       m_writeDefaultElementValues(false), m_stripCDATA(true), m_indentChars("\t")
@@ -25,6 +26,11 @@ CSerializationContext &CSerializationContext::operator=(CSerializationContext co
 {
     if (this == &other)
         return *this;
+    // Shared, not cloned. A context of our own that the source does not
+    // share would be lost, so it goes first.
+    if (m_fiContext != other.m_fiContext)
+        delete m_fiContext;
+    m_fiContext = other.m_fiContext;
     m_defaultNamespaceUri = other.m_defaultNamespaceUri;
     m_writeTypeAttribute = other.m_writeTypeAttribute;
     m_namespaceAliases = other.m_namespaceAliases;
@@ -47,7 +53,17 @@ CSerializationContext &CSerializationContext::operator=(CSerializationContext co
     return *this;
 }
 
-CSerializationContext::~CSerializationContext() = default;
+CSerializationContext::~CSerializationContext()
+{
+    delete m_fiContext;
+}
+
+CFastInfosetContext &CSerializationContext::GetFIContext() const
+{
+    if (m_fiContext == nullptr)
+        m_fiContext = new CFastInfosetContext();
+    return *m_fiContext;
+}
 
 CSmartPtr<CAttributeCol> CSerializationContext::GetAdditionalRootAttributes() const
 {

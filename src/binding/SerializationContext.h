@@ -10,6 +10,7 @@ namespace MxXmlLib
 {
 
 class CAttributeCol;
+class CFastInfosetContext;
 
 // Text encoding of output; the numbers are part of the interface.
 enum XmlEncoding
@@ -69,6 +70,11 @@ public:
     // The process-wide default, for callers without options of their own.
     static CSerializationContext &GetDefaultContext();
 
+    // The Fast Infoset options, made with their defaults on first use. Copies
+    // of a context share it (the pointer is copied), so copy a context only
+    // while its source has not built one.
+    CFastInfosetContext &GetFIContext() const;
+
     std::string GetDefaultNamespaceURI() const { return m_defaultNamespaceUri; }
     void SetDefaultNamespaceURI(char const *uri);
 
@@ -121,6 +127,8 @@ public:
     void SetIndentChars(char const *text);
 
 private:
+    // Built by the const getter on first use; owned.
+    mutable CFastInfosetContext *m_fiContext;
     std::string m_defaultNamespaceUri;
     bool m_writeTypeAttribute;
     CNamespaceAliasMap m_namespaceAliases;

@@ -50,6 +50,11 @@ public:
                            XmlEncoding encoding = XmlEncoding_UTF8, EOLType eolType = LF,
                            CSerializationContext const &context = CSerializationContext::GetDefaultContext(),
                            CompressionType compression = CompressionNone) const;
+    // The object as a Fast Infoset file: ToFastInfosetStream's bytes. Refuses
+    // CompressionZLib first, as ToXmlFile does.
+    virtual void ToFastInfosetFile(char const *fileName, FInfoDecl declaration = FInfoDecl_None,
+                                   CSerializationContext const &context = CSerializationContext::GetDefaultContext(),
+                                   CompressionType compression = CompressionNone) const;
     // The object as XML text in the local encoding; a declaration names no
     // encoding.
     virtual std::string ToXml(bool includeDocHeader = true, bool formatted = true, EOLType eolType = LF,
@@ -62,6 +67,13 @@ public:
                                     XmlEncoding encoding = XmlEncoding_UTF8, EOLType eolType = LF,
                                     CSerializationContext const &context = CSerializationContext::GetDefaultContext(),
                                     CompressionType compression = CompressionNone) const;
+    // The object as a Fast Infoset document, behind the XML declaration that
+    // `declaration` chooses, with the options of context.GetFIContext(); then
+    // compressed as asked.
+    virtual CBinaryData ToFastInfosetStream(FInfoDecl declaration = FInfoDecl_None,
+                                            CSerializationContext const &context =
+                                                CSerializationContext::GetDefaultContext(),
+                                            CompressionType compression = CompressionNone) const;
 
     // Reads an XML file (see CXmlDocument::Load).
     virtual void FromXmlFile(char const *fileName,

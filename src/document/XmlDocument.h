@@ -189,9 +189,10 @@ private:
     void ParseText();
     // Decompression attempt, then Fast Infoset, then XML text.
     void Parse();
-    // Fast Infoset documents are recognised by their header and read into
-    // this tree; until that reader exists, no input is taken as one.
-    bool ParseFastInfosetIfPresent() { return false; }
+    // Reads the buffer as Fast Infoset if it starts with the format's
+    // identification (behind one of its XML declarations, or none); false
+    // leaves it to the XML parser.
+    bool ParseFastInfosetIfPresent();
     void LoadWholeFile(char const *fileName);
     void LoadFileInChunks(char const *fileName);
     // Parses the chunk in the buffer and reads the next into the spare one,
