@@ -6,6 +6,7 @@
 #include "FiTestSupport.h"
 
 #include "fastinfoset/FastInfosetWriter.h"
+#include "document/XmlDocument.h"
 #include "runtime/BinaryStream.h"
 
 #include <gtest/gtest.h>
@@ -313,4 +314,36 @@ TEST_F(FastInfosetWriter, GoldensMatchByteForByte)
         }
         EXPECT_EQ(ReadFile(golden), got);
     }
+}
+
+TEST_F(FastInfosetWriter, FileFrameWritesTheStreamBytes)
+{
+    // Repeated enough that gzip shrinks it: output that grows is refused.
+    std::vector<Item> children(40, Item{"b", "t", ItemType_string});
+    CSmartPtr<CTypedProbe> probe(new CTypedProbe("a", {{"x", "1", ItemType_string}}, children));
+    CSerializationContext context;
+    fs::path const path = fs::temp_directory_path() / ("mx-fi-frame-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + ".fi");
+    EXPECT_EQ("ZLIB Compression only available for To Stream methods.",
+              ErrorOf([&] { probe->ToFastInfosetFile(path.string().c_str(), FInfoDecl_None, context, CompressionZLib); }));
+    EXPECT_FALSE(fs::exists(path));
+    for (CompressionType compression : {CompressionNone, CompressionGZip})
+    {
+        SCOPED_TRACE(compression);
+        probe->ToFastInfosetFile(path.string().c_str(), FInfoDecl_Finf, context, compression);
+        std::string const bytes = ReadFile(path);
+        if (compression == CompressionNone)
+            EXPECT_EQ(Bytes(probe->ToFastInfosetStream(FInfoDecl_Finf, context)), bytes);
+        // Whatever the form, loading detects it.
+        CXmlDocument document;
+        document.Load(path.string().c_str());
+        ASSERT_NE(nullptr, document.GetDocumentElement());
+        EXPECT_EQ("1", document.GetDocumentElement()->GetAttribute("x", ""));
+        EXPECT_EQ("t", document.GetDocumentElement()->GetFirstElement()->GetText());
+    }
+    fs::remove(path);
+    // The version check comes first in the stream frame.
+    Register(1, 0);
+    EXPECT_EQ("Wrong Version (Velmar Runtime: v16.1, Generator: v1.0)",
+              ErrorOf([&] { probe->ToFastInfosetStream(FInfoDecl_None, context); }));
+    Register(16, 1);
 }
