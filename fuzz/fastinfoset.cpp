@@ -37,7 +37,8 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const *data, size_t size)
     try
     {
         CXmlDocument document(context);
-        document.LoadXmlStream(reinterpret_cast<unsigned char *>(bytes.data()), static_cast<unsigned long>(bytes.size()));
+        document.LoadXmlStream(reinterpret_cast<unsigned char *>(bytes.data()),
+                               static_cast<unsigned long>(bytes.size()));
         for (CXmlElement const *e = document.GetDocumentElement(); e;)
         {
             for (CXmlAttribute const *a : e->GetAttributes())

@@ -10,7 +10,8 @@ namespace MxXmlLib
 CSerializationContext CSerializationContext::m_defaultContext;
 
 CSerializationContext::CSerializationContext()
-    : m_fiContext(nullptr), m_writeTypeAttribute(true), m_ignoreInvalidCollectionCounts(false), m_ignoreMissingChoice(false),
+    : m_fiContext(nullptr), m_writeTypeAttribute(true), m_ignoreInvalidCollectionCounts(false),
+      m_ignoreMissingChoice(false),
       m_ignoreMissingMandatoryElements(false), m_ignoreUnknownElements(false), m_ignoreUnknownAttributes(false),
       m_ignoreNamespaces(false), m_schemaType(SchemaType_Default), m_noOptionalAttributeDefaultOutput(false),
       m_writeDefaultElementValues(false), m_stripCDATA(true), m_indentChars("\t")

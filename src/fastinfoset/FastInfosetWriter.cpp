@@ -432,7 +432,8 @@ void CFastInfosetWriter::AppendEncodedCharacterStringBit5(unsigned char flags, s
     {
     case 0:
         if (Context->GetDefaultStringEncoding() == 1)
-            throw CMxException("Failed to write FastInfoset. Unsupported Feature UTF16BE in EncodedCharacterStringBit5.");
+            throw CMxException(
+                "Failed to write FastInfoset. Unsupported Feature UTF16BE in EncodedCharacterStringBit5.");
         AppendNonEmptyOctetStringBit5(flags, Utf8(text));
         return;
     case 1:
@@ -448,15 +449,15 @@ void CFastInfosetWriter::AppendEncodedCharacterStringBit5(unsigned char flags, s
     }
 }
 
-void CFastInfosetWriter::AppendEncodedCharacterStringBit7(unsigned char flags, std::string const &text,
-                                                          ItemType type)
+void CFastInfosetWriter::AppendEncodedCharacterStringBit7(unsigned char flags, std::string const &text, ItemType type)
 {
     CFastInfosetContext::EncodedCharacterString const encoding = Context->GetEncoding(type);
     switch (encoding.Type)
     {
     case 0:
         if (Context->GetDefaultStringEncoding() == 1)
-            throw CMxException("Failed to write FastInfoset. Unsupported Feature UTF16BE in EncodedCharacterStringBit5.");
+            throw CMxException(
+                "Failed to write FastInfoset. Unsupported Feature UTF16BE in EncodedCharacterStringBit5.");
         AppendNonEmptyOctetStringBit7(flags, Utf8(text));
         return;
     case 1:

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <unistd.h>
 
 using namespace MxXmlLib;
 using namespace MxFiTest;
@@ -322,9 +323,10 @@ TEST_F(FastInfosetWriter, FileFrameWritesTheStreamBytes)
     std::vector<Item> children(40, Item{"b", "t", ItemType_string});
     CSmartPtr<CTypedProbe> probe(new CTypedProbe("a", {{"x", "1", ItemType_string}}, children));
     CSerializationContext context;
-    fs::path const path = fs::temp_directory_path() / ("mx-fi-frame-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + ".fi");
-    EXPECT_EQ("ZLIB Compression only available for To Stream methods.",
-              ErrorOf([&] { probe->ToFastInfosetFile(path.string().c_str(), FInfoDecl_None, context, CompressionZLib); }));
+    fs::path const path = fs::temp_directory_path() / ("mx-fi-frame-" + std::to_string(getpid()) + ".fi");
+    EXPECT_EQ("ZLIB Compression only available for To Stream methods.", ErrorOf([&] {
+                  probe->ToFastInfosetFile(path.string().c_str(), FInfoDecl_None, context, CompressionZLib);
+              }));
     EXPECT_FALSE(fs::exists(path));
     for (CompressionType compression : {CompressionNone, CompressionGZip})
     {
