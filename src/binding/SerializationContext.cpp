@@ -1,6 +1,7 @@
 #include "binding/SerializationContext.h"
 
 #include "collections/AttributeCol.h"
+#include "fastinfoset/FastInfosetContext.h"
 #include "json/JsonContext.h"
 #include "runtime/MxException.h"
 
@@ -10,7 +11,8 @@ namespace MxXmlLib
 CSerializationContext CSerializationContext::m_defaultContext;
 
 CSerializationContext::CSerializationContext()
-    : m_jsonContext(nullptr), m_writeTypeAttribute(true), m_ignoreInvalidCollectionCounts(false), m_ignoreMissingChoice(false),
+    : m_writeTypeAttribute(true),
+      m_ignoreInvalidCollectionCounts(false), m_ignoreMissingChoice(false),
       m_ignoreMissingMandatoryElements(false), m_ignoreUnknownElements(false), m_ignoreUnknownAttributes(false),
       m_ignoreNamespaces(false), m_schemaType(SchemaType_Default), m_noOptionalAttributeDefaultOutput(false),
       m_writeDefaultElementValues(false), m_stripCDATA(true), m_indentChars("\t")
@@ -24,7 +26,9 @@ CSerializationContext::CSerializationContext(CSerializationContext const &other)
 
 CSerializationContext &CSerializationContext::operator=(CSerializationContext const &other)
 {
-    // The sub-contexts are shared by pointer, not cloned.
+    // The sub-contexts are shared, not cloned: a change through one context
+    // shows in the other. Sharing is counted, so either may go first.
+    m_fiContext = other.m_fiContext;
     m_jsonContext = other.m_jsonContext;
     if (this == &other)
         return *this;
@@ -50,15 +54,19 @@ CSerializationContext &CSerializationContext::operator=(CSerializationContext co
     return *this;
 }
 
-CSerializationContext::~CSerializationContext()
+CSerializationContext::~CSerializationContext() = default;
+
+CFastInfosetContext &CSerializationContext::GetFIContext() const
 {
-    delete m_jsonContext;
+    if (m_fiContext == nullptr)
+        m_fiContext = std::make_shared<CFastInfosetContext>();
+    return *m_fiContext;
 }
 
 CJsonContext &CSerializationContext::GetJsonContext() const
 {
     if (m_jsonContext == nullptr)
-        m_jsonContext = new CJsonContext;
+        m_jsonContext = std::make_shared<CJsonContext>();
     return *m_jsonContext;
 }
 

@@ -3,6 +3,7 @@
 #include "metadata/NamespaceAliasMap.h"
 #include "runtime/SmartPtr.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,7 @@ namespace MxXmlLib
 {
 
 class CAttributeCol;
+class CFastInfosetContext;
 class CJsonContext;
 
 // Text encoding of output; the numbers are part of the interface.
@@ -70,9 +72,11 @@ public:
     // The process-wide default, for callers without options of their own.
     static CSerializationContext &GetDefaultContext();
 
+    // The Fast Infoset options, made with their defaults on first use. Copies
+    // of a context share it.
+    CFastInfosetContext &GetFIContext() const;
     // The JSON options, made with their defaults on first use. Copies of a
-    // context share it (and each deletes it): copy a context only before
-    // anything has asked for it.
+    // context share it.
     CJsonContext &GetJsonContext() const;
 
     std::string GetDefaultNamespaceURI() const { return m_defaultNamespaceUri; }
@@ -128,7 +132,9 @@ public:
 
 private:
     // Built by the const getter on first use; owned.
-    mutable CJsonContext *m_jsonContext;
+    // Built on first use by the const getters, hence mutable.
+    mutable std::shared_ptr<CFastInfosetContext> m_fiContext;
+    mutable std::shared_ptr<CJsonContext> m_jsonContext;
     std::string m_defaultNamespaceUri;
     bool m_writeTypeAttribute;
     CNamespaceAliasMap m_namespaceAliases;

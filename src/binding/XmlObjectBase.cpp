@@ -4,9 +4,12 @@
 #include "collections/XmlCollectionBase.h"
 #include "document/XmlDocument.h"
 #include "document/XmlTextWriter.h"
+#include "fastinfoset/FastInfosetContext.h"
+#include "fastinfoset/FastInfosetWriter.h"
 #include "json/JsonContext.h"
 #include "json/JsonTextWriter.h"
 #include "metadata/NamespaceRules.h"
+#include "runtime/BinaryStream.h"
 #include "runtime/Compression.h"
 #include "runtime/FileBinaryStream.h"
 #include "runtime/FileTextStream.h"
@@ -164,6 +167,15 @@ void CXmlObjectBase::ToXmlFile(char const *fileName, bool includeDocHeader, bool
     WriteXmlText(stream, includeDocHeader, formatted, eolType, context);
 }
 
+void CXmlObjectBase::ToFastInfosetFile(char const *fileName, FInfoDecl declaration,
+                                       CSerializationContext const &context, CompressionType compression) const
+{
+    if (compression == CompressionZLib)
+        throw CMxException("ZLIB Compression only available for To Stream methods.");
+    CFileBinaryStream file(fileName, XmlEncoding_None, ToFastInfosetStream(declaration, context, compression));
+    file.WriteFile();
+}
+
 std::string CXmlObjectBase::ToXml(bool includeDocHeader, bool formatted, EOLType eolType,
                                   CSerializationContext const &context) const
 {
@@ -182,6 +194,22 @@ CBinaryData CXmlObjectBase::ToXmlStream(bool includeDocHeader, bool formatted, X
     WriteXmlText(stream, includeDocHeader, formatted, eolType, context);
     // An encoding that cannot be written fails only here, once all is built.
     CBinaryData bytes = stream.GetBytes();
+    if (compression != CompressionNone)
+        Compress(bytes, compression);
+    return bytes;
+}
+
+CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl declaration, CSerializationContext const &context,
+                                                CompressionType compression) const
+{
+    CheckVersion();
+    CBinaryStream stream;
+    CFastInfosetWriter writer(&stream, &context.GetFIContext());
+    writer.WriteHeader(declaration);
+    std::string const targetNamespace = GetTargetNamespace();
+    ToXml_Int(&writer, true, targetNamespace.c_str(), context, false);
+    writer.WriteDocumentEnd();
+    CBinaryData bytes = stream.GetData();
     if (compression != CompressionNone)
         Compress(bytes, compression);
     return bytes;

@@ -50,6 +50,11 @@ public:
                            XmlEncoding encoding = XmlEncoding_UTF8, EOLType eolType = LF,
                            CSerializationContext const &context = CSerializationContext::GetDefaultContext(),
                            CompressionType compression = CompressionNone) const;
+    // The object as a Fast Infoset file: ToFastInfosetStream's bytes. Refuses
+    // CompressionZLib first, as ToXmlFile does.
+    virtual void ToFastInfosetFile(char const *fileName, FInfoDecl declaration = FInfoDecl_None,
+                                   CSerializationContext const &context = CSerializationContext::GetDefaultContext(),
+                                   CompressionType compression = CompressionNone) const;
     // The object as a JSON file, by the branches of ToXmlFile. Buffered files
     // never start with a byte order mark, whatever the encoding.
     virtual void ToJsonFile(char const *fileName, bool formatted = true, XmlEncoding encoding = XmlEncoding_UTF8,
@@ -73,6 +78,13 @@ public:
                                     XmlEncoding encoding = XmlEncoding_UTF8, EOLType eolType = LF,
                                     CSerializationContext const &context = CSerializationContext::GetDefaultContext(),
                                     CompressionType compression = CompressionNone) const;
+    // The object as a Fast Infoset document, behind the XML declaration that
+    // `declaration` chooses, with the options of context.GetFIContext(); then
+    // compressed as asked.
+    virtual CBinaryData ToFastInfosetStream(FInfoDecl declaration = FInfoDecl_None,
+                                            CSerializationContext const &context =
+                                                CSerializationContext::GetDefaultContext(),
+                                            CompressionType compression = CompressionNone) const;
     // The object as JSON bytes, encoded and compressed as by ToXmlStream.
     virtual CBinaryData ToJsonStream(bool formatted = true, XmlEncoding encoding = XmlEncoding_UTF8,
                                      EOLType eolType = LF,

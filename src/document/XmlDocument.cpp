@@ -4,6 +4,8 @@
 #include "document/NameTable.h"
 #include "document/NodePool.h"
 #include "binding/XmlObjectBase.h"
+#include "fastinfoset/FastInfosetContext.h"
+#include "fastinfoset/FastInfosetReader.h"
 #include "json/JsonHandlers.h"
 #include "runtime/Compression.h"
 #include "runtime/FormatString.h"
@@ -518,6 +520,19 @@ void CXmlDocument::Parse()
     if (ParseFastInfosetIfPresent())
         return;
     ParseText();
+}
+
+bool CXmlDocument::ParseFastInfosetIfPresent()
+{
+    CFastInfosetReader reader(&m_context.GetFIContext(), this);
+    if (!reader.ReadIdentification())
+        return false;
+    reader.ReadHeader();
+    reader.ReadDocumentBody();
+    // A body with no element (only a terminator) is no document.
+    if (m_documentElement == nullptr)
+        throw CMxException("Invalid or empty XML document");
+    return true;
 }
 
 void CXmlDocument::LoadXmlStream(unsigned char *const bytes, unsigned long length)

@@ -207,9 +207,10 @@ private:
     CBinaryData ParseJsonText(std::string const &json) const;
     // Decompression attempt, then Fast Infoset, then XML text.
     void Parse();
-    // Fast Infoset documents are recognised by their header and read into
-    // this tree; until that reader exists, no input is taken as one.
-    bool ParseFastInfosetIfPresent() { return false; }
+    // Reads the buffer as Fast Infoset if it starts with the format's
+    // identification (behind one of its XML declarations, or none); false
+    // leaves it to the XML parser.
+    bool ParseFastInfosetIfPresent();
     void LoadWholeFile(char const *fileName);
     // Reads a whole file into the buffer, with the messages of Load.
     void ReadWholeFile(char const *fileName);

@@ -1,0 +1,689 @@
+#include "fastinfoset/FastInfosetWriter.h"
+
+#include "fastinfoset/FastInfosetBinaryData.h"
+#include "fastinfoset/FastInfosetContext.h"
+#include "runtime/BinaryStream.h"
+#include "runtime/FormatString.h"
+#include "runtime/MxException.h"
+#include "runtime/TextEncoding.h"
+
+namespace MxXmlLib
+{
+
+namespace
+{
+char const kXsiNamespace[] = "http://www.w3.org/2001/XMLSchema-instance";
+char const kXmlNamespace[] = "http://www.w3.org/XML/1998/namespace";
+constexpr std::size_t kXmlNamespaceLength = sizeof(kXmlNamespace) - 1; // 36
+
+// Indexed by FInfoDecl; 0 writes none.
+char const *const kDeclarations[] = {
+    "",
+    "<?xml encoding='finf'?>",
+    "<?xml encoding='finf' standalone='yes'?>",
+    "<?xml encoding='finf' standalone='no'?>",
+    "<?xml version='1.0' encoding='finf'?>",
+    "<?xml version='1.0' encoding='finf' standalone='yes'?>",
+    "<?xml version='1.0' encoding='finf' standalone='no'?>",
+    "<?xml version='1.1' encoding='finf'?>",
+    "<?xml version='1.1' encoding='finf' standalone='yes'?>",
+    "<?xml version='1.1' encoding='finf' standalone='no'?>",
+};
+constexpr unsigned kDeclarationCount = sizeof(kDeclarations) / sizeof(kDeclarations[0]);
+
+// Octets gathered before they are handed to the stream in one piece.
+constexpr std::size_t kFlushSize = 0x10000;
+
+constexpr unsigned char kTerminator = 0xF0;
+constexpr unsigned char kDoubleTerminator = 0xFF;
+
+bool IsAscii(std::string const &text)
+{
+    for (unsigned char c : text)
+        if (c >= 0x80)
+            return false;
+    return true;
+}
+
+std::string_view View(CBinaryData const &data)
+{
+    return data.GetLength() ? std::string_view(reinterpret_cast<char const *>(data.GetData()), data.GetLength())
+                            : std::string_view();
+}
+
+// A table index never exceeds 2^20, nor a length 2^32 - 1.
+unsigned char Octet(std::uint64_t value)
+{
+    return static_cast<unsigned char>(value & 0xFF);
+}
+} // namespace
+
+CFastInfosetWriter::CFastInfosetWriter(CBinaryStream *stream, CFastInfosetContext const *context)
+    : Stream(stream), Context(context), PendingElement(nullptr), TerminatorPending(false),
+      Vocabulary(context->GetUseGeneratedVocabulary() ? new CFIVocabulary(*context->GetVocabulary())
+                                                      : new CFIVocabulary())
+{
+}
+
+CFastInfosetWriter::~CFastInfosetWriter()
+{
+    delete Vocabulary;
+    if (PendingElement)
+        ReleaseContext(PendingElement);
+}
+
+void CFastInfosetWriter::Flush()
+{
+    if (m_out.empty())
+        return;
+    Stream->Write(reinterpret_cast<unsigned char const *>(m_out.data()), static_cast<unsigned long>(m_out.size()));
+    m_out.clear();
+}
+
+// ---------------------------------------------------------------------------
+// Document
+
+char const *CFastInfosetWriter::DeclarationText(unsigned number)
+{
+    return number >= 1 && number < kDeclarationCount ? kDeclarations[number] : nullptr;
+}
+
+void CFastInfosetWriter::WriteHeader(FInfoDecl declaration)
+{
+    auto const number = static_cast<unsigned>(declaration);
+    if (number >= kDeclarationCount)
+        throw CMxInvalidParamException(FormatString("Invalid FInfoDecl value [%d]", static_cast<int>(declaration)));
+    Put(kDeclarations[number]);
+    Put(std::string_view("\xE0\x00\x00\x01", 4));
+    if (!Context->GetUseGeneratedVocabulary())
+    {
+        Put(0x00);
+        return;
+    }
+    // An initial vocabulary of one component: the external vocabulary.
+    Put(0x20);
+    Put(0x10);
+    Put(0x00);
+    std::string uri = Context->GetExternalVocabularyURI();
+    if (uri.empty())
+        uri = CFastInfosetContext::kDefaultVocabularyURI;
+    AppendNonEmptyOctetStringBit2(Utf8(uri));
+}
+
+void CFastInfosetWriter::WriteDocumentEnd()
+{
+    FlushPendingElement(false);
+    Put(TerminatorPending ? kDoubleTerminator : kTerminator);
+    TerminatorPending = false;
+    Flush();
+    CXmlWriter::EndDocument();
+}
+
+void CFastInfosetWriter::WriteComment(std::string const &) {}
+
+void CFastInfosetWriter::WriteProcessingInstruction(std::string const &)
+{
+    FlushPendingElement(false);
+}
+
+void CFastInfosetWriter::WriteInLineSchema(std::string const &) {}
+
+// ---------------------------------------------------------------------------
+// Elements
+
+CXmlWriter::CXmlWriterContext &CFastInfosetWriter::Current()
+{
+    if (m_current == nullptr)
+        throw CMxInvalidStateException("No element is open.");
+    return *m_current;
+}
+
+void CFastInfosetWriter::CloseStartTag()
+{
+    CXmlWriterContext &current = Current();
+    if (!current.TagOpen)
+        return;
+    current.TagOpen = 0;
+    if (current.HasAttributes)
+        Put(kTerminator); // ends the attribute list
+}
+
+void CFastInfosetWriter::StartElement(std::string const &localName, std::string const &namespaceUri)
+{
+    FlushPendingElement(false);
+    if (TerminatorPending)
+    {
+        Put(kTerminator);
+        TerminatorPending = false;
+    }
+    if (m_current)
+    {
+        ++m_current->ChildCount;
+        CloseStartTag();
+    }
+    PendingElement = CreateContext(localName, namespaceUri);
+}
+
+void CFastInfosetWriter::FlushPendingElement(bool attributesFollow)
+{
+    if (PendingElement == nullptr)
+        return;
+    CXmlWriterContext &element = *PendingElement;
+    unsigned char flags = 0;
+    if (attributesFollow)
+    {
+        element.HasAttributes = 1;
+        flags = 0x40;
+    }
+    if (element.GetParent() == nullptr)
+    {
+        // The root declares the document's mappings. The XML namespace is
+        // bound by definition, and a block must hold at least one item.
+        std::string const &defaultNamespace = element.GetEffectiveDefaultNamespace();
+        NamespaceMap const map = element.GetEffectiveMap();
+        bool declares = !defaultNamespace.empty();
+        for (auto const &entry : map)
+            declares = declares || entry.first.compare(0, kXmlNamespaceLength, kXmlNamespace) != 0;
+        if (declares)
+        {
+            Put(flags | 0x38);
+            flags = 0;
+            if (!defaultNamespace.empty())
+            {
+                Put(0xCD);
+                AppendIdentifyingString(defaultNamespace, StringTable::Namespace);
+            }
+            for (auto const &entry : map)
+            {
+                if (entry.first.compare(0, kXmlNamespaceLength, kXmlNamespace) == 0)
+                    continue;
+                // A mapping without a prefix can only travel as a default.
+                Put(entry.second.empty() ? 0xCD : 0xCF);
+                if (!entry.second.empty())
+                    AppendIdentifyingString(entry.second, StringTable::Prefix);
+                AppendIdentifyingString(entry.first, StringTable::Namespace);
+            }
+            Put(kTerminator);
+        }
+    }
+    std::string prefix;
+    std::string const &namespaceUri = element.NamespaceUri;
+    if (!namespaceUri.empty() && namespaceUri != element.GetEffectiveDefaultNamespace())
+    {
+        if (std::string const *known = element.FindPrefix(namespaceUri))
+            prefix = *known;
+        else
+        {
+            // Travels in the literal name only: no namespace attribute.
+            prefix = element.GeneratePrefix();
+            element.AddNamespace(prefix, namespaceUri);
+        }
+    }
+    AppendElementQName(flags, prefix, namespaceUri, element.LocalName);
+    SetCurrentContext(PendingElement);
+    PendingElement = nullptr;
+}
+
+void CFastInfosetWriter::WriteText(std::string const &value, ItemType type, bool)
+{
+    FlushPendingElement(false);
+    CloseStartTag();
+    if (value.empty())
+        return;
+    AppendCharacterChunk(value, type);
+}
+
+void CFastInfosetWriter::EndElement()
+{
+    FlushPendingElement(false);
+    CloseStartTag();
+    // Text written after a child element lands before the child's owed
+    // terminator, inside the child: mixed content is not kept in place.
+    if (TerminatorPending)
+        Put(kDoubleTerminator);
+    TerminatorPending = !TerminatorPending;
+    PopContext();
+    if (m_out.size() >= kFlushSize)
+        Flush();
+}
+
+// ---------------------------------------------------------------------------
+// Attributes
+
+void CFastInfosetWriter::CheckAttributesAllowed()
+{
+    CXmlWriterContext &current = Current();
+    // Once the element's first octet is out without the attribute bit, an
+    // attribute could not be read back either.
+    if (!current.TagOpen || !current.HasAttributes)
+        throw CMxException("Attributes must be added before elements");
+}
+
+void CFastInfosetWriter::WriteAttribute(std::string const &localName, std::string const &namespaceUri,
+                                        std::string const &value, ItemType type)
+{
+    FlushPendingElement(true);
+    CheckAttributesAllowed();
+    if (namespaceUri.empty())
+        AppendAttributeQName("", "", localName);
+    else
+    {
+        CXmlWriterContext &current = Current();
+        std::string prefix;
+        if (std::string const *known = current.FindPrefix(namespaceUri))
+            prefix = *known;
+        else
+        {
+            prefix = current.GeneratePrefix();
+            current.AddNamespace(prefix, namespaceUri);
+        }
+        AppendAttributeQName(prefix, namespaceUri, localName);
+    }
+    AppendAttributeValue(value, type);
+}
+
+void CFastInfosetWriter::WriteTypeAttribute(std::string const &typeNamespace, std::string const &typeName,
+                                            ItemType type)
+{
+    FlushPendingElement(true);
+    CheckAttributesAllowed();
+    CXmlWriterContext &current = Current();
+    if (typeNamespace.empty() || typeNamespace == current.GetEffectiveDefaultNamespace())
+    {
+        WriteAttribute("type", kXsiNamespace, typeName, type);
+        return;
+    }
+    std::string prefix;
+    if (std::string const *known = current.FindPrefix(typeNamespace))
+    {
+        prefix = *known;
+        // The attribute carries the prefix of the type's namespace.
+        AppendAttributeQName(prefix, kXsiNamespace, "type");
+    }
+    else
+    {
+        // Here the attribute is named after the type itself; the reader
+        // takes what it finds.
+        prefix = current.GeneratePrefix();
+        current.AddNamespace(prefix, typeNamespace);
+        AppendAttributeQName(prefix, typeNamespace, typeName);
+    }
+    AppendAttributeValue(prefix + ":" + typeName, type);
+}
+
+void CFastInfosetWriter::WriteNilAttribute()
+{
+    FlushPendingElement(true);
+    CheckAttributesAllowed();
+    WriteAttribute("nil", kXsiNamespace, "true", ItemType_boolean);
+}
+
+// ---------------------------------------------------------------------------
+// Names and strings
+
+void CFastInfosetWriter::AppendIdentifyingString(std::string const &text, StringTable table)
+{
+    CFIVocabulary::IndexMap const &map = table == StringTable::Prefix      ? Vocabulary->PrefixNamesMap
+                                         : table == StringTable::Namespace ? Vocabulary->NamespaceNamesMap
+                                                                           : Vocabulary->LocalNamesMap;
+    std::uint32_t index;
+    if (CFIVocabulary::FindIndex(map, text, index))
+    {
+        AppendIntegerBit2(0x80, index);
+        return;
+    }
+    AppendNonEmptyOctetStringBit2(Utf8(text));
+    switch (table)
+    {
+    case StringTable::Prefix:
+        Vocabulary->AddPrefixName(text);
+        break;
+    case StringTable::Namespace:
+        Vocabulary->AddNamespaceName(text);
+        break;
+    case StringTable::LocalName:
+        Vocabulary->AddLocalName(text);
+        break;
+    }
+}
+
+void CFastInfosetWriter::AppendAttributeQName(std::string const &prefix, std::string const &namespaceUri,
+                                              std::string const &localName)
+{
+    std::string const key = CFIVocabulary::QNameKey(prefix, namespaceUri, localName);
+    std::uint32_t index;
+    if (CFIVocabulary::FindIndex(Vocabulary->AttributeNamesMap, key, index))
+    {
+        AppendIntegerBit2(0, index);
+        return;
+    }
+    Put(0x78 | (prefix.empty() ? 0 : 2) | (namespaceUri.empty() ? 0 : 1));
+    if (!prefix.empty())
+        AppendIdentifyingString(prefix, StringTable::Prefix);
+    if (!namespaceUri.empty())
+        AppendIdentifyingString(namespaceUri, StringTable::Namespace);
+    AppendIdentifyingString(localName, StringTable::LocalName);
+    CFIVocabulary::AddValueToMap(key, Vocabulary->AttributeNamesMap);
+}
+
+void CFastInfosetWriter::AppendElementQName(unsigned char flags, std::string const &prefix,
+                                            std::string const &namespaceUri, std::string const &localName)
+{
+    std::string const key = CFIVocabulary::QNameKey(prefix, namespaceUri, localName);
+    std::uint32_t index;
+    if (CFIVocabulary::FindIndex(Vocabulary->ElementNamesMap, key, index))
+    {
+        AppendIntegerBit3(flags, index);
+        return;
+    }
+    Put(flags | 0x3C | (prefix.empty() ? 0 : 2) | (namespaceUri.empty() ? 0 : 1));
+    if (!prefix.empty())
+        AppendIdentifyingString(prefix, StringTable::Prefix);
+    if (!namespaceUri.empty())
+        AppendIdentifyingString(namespaceUri, StringTable::Namespace);
+    AppendIdentifyingString(localName, StringTable::LocalName);
+    CFIVocabulary::AddValueToMap(key, Vocabulary->ElementNamesMap);
+}
+
+void CFastInfosetWriter::AppendAttributeValue(std::string const &text, ItemType type)
+{
+    if (text.empty())
+    {
+        Put(0xFF); // index 0: the empty string
+        return;
+    }
+    if (text.size() >= Context->GetAttributeMaxAddLength())
+    {
+        AppendEncodedCharacterStringBit5(0, text, type);
+        return;
+    }
+    std::uint32_t index;
+    if (CFIVocabulary::FindIndex(Vocabulary->AttributeValuesMap, text, index))
+    {
+        AppendIntegerBit2(0x80, index);
+        return;
+    }
+    AppendEncodedCharacterStringBit5(0x40, text, type);
+    CFIVocabulary::AddValueToMap(text, Vocabulary->AttributeValuesMap);
+}
+
+void CFastInfosetWriter::AppendCharacterChunk(std::string const &text, ItemType type)
+{
+    if (text.size() >= Context->GetElementMaxAddLength())
+    {
+        AppendEncodedCharacterStringBit7(0x80, text, type);
+        return;
+    }
+    std::uint32_t index;
+    if (CFIVocabulary::FindIndex(Vocabulary->CharacterChunksMap, text, index))
+    {
+        AppendIntegerBit4(index);
+        return;
+    }
+    AppendEncodedCharacterStringBit7(0x90, text, type);
+    CFIVocabulary::AddValueToMap(text, Vocabulary->CharacterChunksMap);
+}
+
+void CFastInfosetWriter::AppendEncodedCharacterStringBit5(unsigned char flags, std::string const &text,
+                                                          ItemType type)
+{
+    CFastInfosetContext::EncodedCharacterString const encoding = Context->GetEncoding(type);
+    switch (encoding.Type)
+    {
+    case 0:
+        if (Context->GetDefaultStringEncoding() == 1)
+            throw CMxException(
+                "Failed to write FastInfoset. Unsupported Feature UTF16BE in EncodedCharacterStringBit5.");
+        AppendNonEmptyOctetStringBit5(flags, Utf8(text));
+        return;
+    case 1:
+    case 2: {
+        std::string const octets = EncodeValue(encoding.Type, encoding.Value, text);
+        std::uint32_t const number = encoding.Value - 1; // [0, 9]
+        Put(flags | (encoding.Type == 1 ? 0x20 : 0x30) | (number >> 4));
+        AppendNonEmptyOctetStringBit5(Octet(number << 4), octets);
+        return;
+    }
+    default:
+        throw CMxException("Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit5.");
+    }
+}
+
+void CFastInfosetWriter::AppendEncodedCharacterStringBit7(unsigned char flags, std::string const &text, ItemType type)
+{
+    CFastInfosetContext::EncodedCharacterString const encoding = Context->GetEncoding(type);
+    switch (encoding.Type)
+    {
+    case 0:
+        if (Context->GetDefaultStringEncoding() == 1)
+            throw CMxException(
+                "Failed to write FastInfoset. Unsupported Feature UTF16BE in EncodedCharacterStringBit5.");
+        AppendNonEmptyOctetStringBit7(flags, Utf8(text));
+        return;
+    case 1:
+    case 2: {
+        std::string const octets = EncodeValue(encoding.Type, encoding.Value, text);
+        std::uint32_t const number = encoding.Value - 1; // [0, 9]
+        Put(flags | (encoding.Type == 1 ? 0x08 : 0x0C) | (number >> 6));
+        AppendNonEmptyOctetStringBit7(Octet(number << 2), octets);
+        return;
+    }
+    default:
+        throw CMxException("Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit7.");
+    }
+}
+
+std::string CFastInfosetWriter::EncodeValue(std::uint32_t kind, std::uint32_t value, std::string const &text)
+{
+    std::string octets;
+    if (kind == 1)
+    {
+        if (value != 1 && value != 2)
+            throw CMxException(FormatString("Failed to write FastInfoset. Invalid Restricted Alphabet value [%d]",
+                                            static_cast<int>(value)));
+        octets = AppendRestrictedAlphabetString(value, text);
+    }
+    else
+    {
+        if (value < 1 || value > 10)
+            throw CMxException(FormatString("Failed to write FastInfoset. Invalid Encoding Algorithm value [%d]",
+                                            static_cast<int>(value)));
+        CFastInfosetBinaryData data;
+        data.SetAsEncodedString(value, text.c_str());
+        octets = View(data);
+    }
+    // A value that encodes to nothing (base64 of stray characters) has no
+    // form in the format, which knows no empty encoded string.
+    if (octets.empty())
+        throw CMxException("Failed to write FastInfoset. Empty encoded value.");
+    return octets;
+}
+
+std::string CFastInfosetWriter::AppendRestrictedAlphabetString(std::uint32_t alphabet, std::string const &text)
+{
+    std::string const &characters = Vocabulary->RestrictedAlphabets[alphabet - 1];
+    std::size_t const length = characters.size();
+    if (length < 2 || length > 0x100000)
+        throw CMxException("Failed to write FastInfoset. Invalid Restricted Alphabet. Alphabet must contain between "
+                           "2 and 2^20 characters.");
+    // The smallest width whose all-ones value, the terminator, is no character.
+    unsigned bits = 2;
+    while ((std::size_t(1) << bits) <= length)
+        ++bits;
+    if (bits != 4 && bits != 8)
+        throw CMxException("Failed to write FastInfoset. Unsupported Feature in AppendRestrictedAlphabetString.");
+    std::string octets;
+    octets.reserve(bits == 8 ? text.size() : (text.size() + 1) / 2);
+    bool highHalf = true;
+    for (char c : text)
+    {
+        std::size_t const position = characters.find(c);
+        if (position == std::string::npos)
+            throw CMxException("Failed to write FastInfoset. Invalid character not found for Restricted Alphabet.");
+        if (bits == 8)
+            octets.push_back(static_cast<char>(position));
+        else if (highHalf)
+            octets.push_back(static_cast<char>(position << 4));
+        else
+            octets.back() = static_cast<char>(octets.back() | static_cast<char>(position));
+        highHalf = bits == 8 || !highHalf;
+    }
+    if (!highHalf)
+        octets.back() = static_cast<char>(octets.back() | 0x0F);
+    return octets;
+}
+
+// ---------------------------------------------------------------------------
+// Integers and octet strings
+
+void CFastInfosetWriter::AppendLength32(std::uint32_t n)
+{
+    Put(Octet(n >> 24));
+    Put(Octet(n >> 16));
+    Put(Octet(n >> 8));
+    Put(Octet(n));
+}
+
+void CFastInfosetWriter::AppendNonEmptyOctetStringBit2(std::string_view octets)
+{
+    std::size_t const length = octets.size();
+    if (length == 0)
+        throw CMxException("Failed to write FastInfoset. Empty identifying string.");
+    if (length <= 64)
+        Put(Octet(length - 1));
+    else if (length <= 320)
+    {
+        Put(0x40);
+        Put(Octet(length - 65));
+    }
+    else
+    {
+        Put(0x60);
+        AppendLength32(static_cast<std::uint32_t>(length - 321));
+    }
+    Put(octets);
+}
+
+void CFastInfosetWriter::AppendNonEmptyOctetStringBit5(unsigned char prefix, std::string_view octets)
+{
+    std::size_t const length = octets.size(); // >= 1: callers write non-empty text
+    if (length <= 8)
+        Put(prefix | Octet(length - 1));
+    else if (length <= 264)
+    {
+        Put(prefix | 0x08);
+        Put(Octet(length - 9));
+    }
+    else
+    {
+        Put(prefix | 0x0C);
+        AppendLength32(static_cast<std::uint32_t>(length - 265));
+    }
+    Put(octets);
+}
+
+void CFastInfosetWriter::AppendNonEmptyOctetStringBit7(unsigned char prefix, std::string_view octets)
+{
+    std::size_t const length = octets.size(); // >= 1
+    if (length <= 2)
+        Put(prefix | Octet(length - 1));
+    else if (length <= 258)
+    {
+        Put(prefix | 0x02);
+        Put(Octet(length - 3));
+    }
+    else
+    {
+        Put(prefix | 0x03);
+        AppendLength32(static_cast<std::uint32_t>(length - 259));
+    }
+    Put(octets);
+}
+
+void CFastInfosetWriter::AppendIntegerBit2(unsigned char flags, std::uint32_t n)
+{
+    if (n < 65)
+        Put(flags | Octet(n - 1)); // [0, 63]
+    else if (n < 8257)
+    {
+        std::uint32_t const v = n - 65; // [0, 8191]
+        Put(flags | 0x40 | Octet(v >> 8));
+        Put(Octet(v));
+    }
+    else
+    {
+        std::uint32_t const v = n - 8257; // [0, 2^20 - 8257]
+        Put(flags | 0x60 | Octet(v >> 16));
+        Put(Octet(v >> 8));
+        Put(Octet(v));
+    }
+}
+
+void CFastInfosetWriter::AppendIntegerBit3(unsigned char flags, std::uint32_t n)
+{
+    if (n < 33)
+        Put(flags | Octet(n - 1)); // [0, 31]
+    else if (n < 2081)
+    {
+        std::uint32_t const v = n - 33; // [0, 2047]
+        Put(flags | 0x20 | Octet(v >> 8));
+        Put(Octet(v));
+    }
+    else if (n < 526369)
+    {
+        std::uint32_t const v = n - 2081; // [0, 524287]
+        Put(flags | 0x28 | Octet(v >> 16));
+        Put(Octet(v >> 8));
+        Put(Octet(v));
+    }
+    else
+    {
+        // One less than the reader adds back: reached only past half a
+        // million names, and kept so that old documents read the same.
+        std::uint32_t const v = n - 526368;
+        Put(flags | 0x30);
+        Put(Octet(v >> 16));
+        Put(Octet(v >> 8));
+        Put(Octet(v));
+    }
+}
+
+void CFastInfosetWriter::AppendIntegerBit4(std::uint32_t n)
+{
+    if (n < 17)
+        Put(0xA0 | Octet(n - 1)); // [0, 15]
+    else if (n < 1041)
+    {
+        std::uint32_t const v = n - 17; // [0, 1023]
+        Put(0xB0 | Octet(v >> 8));
+        Put(Octet(v));
+    }
+    else if (n < 263185)
+    {
+        std::uint32_t const v = n - 1041; // [0, 262143]
+        Put(0xB4 | Octet(v >> 16));
+        Put(Octet(v >> 8));
+        Put(Octet(v));
+    }
+    else
+    {
+        std::uint32_t const v = n - 263185;
+        Put(0xB8);
+        Put(Octet(v >> 16));
+        Put(Octet(v >> 8));
+        Put(Octet(v));
+    }
+}
+
+std::string_view CFastInfosetWriter::Utf8(std::string const &text)
+{
+    if (IsUtf8PassThrough() || IsAscii(text))
+        return text;
+    CBinaryData const utf8 = LocalToUtf8(text.c_str());
+    if (utf8.GetLength() == 0)
+        return text; // not convertible: the bytes as they stand
+    m_utf8.assign(reinterpret_cast<char const *>(utf8.GetData()), utf8.GetLength());
+    return m_utf8;
+}
+
+} // namespace MxXmlLib

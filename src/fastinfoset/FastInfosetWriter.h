@@ -1,0 +1,107 @@
+#pragma once
+
+// CXmlWriter that produces a binary Fast Infoset document (ITU-T X.891) in
+// one forward pass. The only look-ahead is one element: its first octet says
+// whether attributes follow, so it is held back until the next call tells.
+// Terminators are four bits; two that meet share one octet (FF).
+
+#include "binding/SerializationContext.h"
+#include "document/XmlWriter.h"
+#include "fastinfoset/FIVocabulary.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace MxXmlLib
+{
+
+class CBinaryStream;
+class CFastInfosetContext;
+
+class CFastInfosetWriter : public CXmlWriter
+{
+public:
+    // Octets go to `stream`; neither argument is owned. The vocabulary is a
+    // private copy of the context's when it uses a generated one, else fresh.
+    CFastInfosetWriter(CBinaryStream *stream, CFastInfosetContext const *context);
+    ~CFastInfosetWriter() override;
+
+    // The declaration that `declaration` chooses (none for 0; a number above
+    // 9 raises CMxInvalidParamException), the identification E0 00 00 01 and
+    // the optional components: none, or the external vocabulary's URI.
+    void WriteHeader(FInfoDecl declaration);
+    // The text of declaration 1 to 9, or null; readers try them in order.
+    static char const *DeclarationText(unsigned number);
+    // The octet that closes the document (FF when it also owes the root's
+    // terminator, else F0), then the end check: "An Element has not been
+    // closed." while one is open.
+    void WriteDocumentEnd();
+
+    void WriteComment(std::string const &text) override;
+    void WriteProcessingInstruction(std::string const &text) override;
+    void WriteInLineSchema(std::string const &text) override;
+    void StartElement(std::string const &localName, std::string const &namespaceUri) override;
+    // Writes `value` whether it is a default value or not.
+    void WriteText(std::string const &value, ItemType type, bool isDefaultValue) override;
+    void EndElement() override;
+    void WriteAttribute(std::string const &localName, std::string const &namespaceUri, std::string const &value,
+                        ItemType type) override;
+    void WriteTypeAttribute(std::string const &typeNamespace, std::string const &typeName, ItemType type) override;
+    void WriteNilAttribute() override;
+
+private:
+    enum class StringTable
+    {
+        Prefix,
+        Namespace,
+        LocalName
+    };
+
+    void FlushPendingElement(bool attributesFollow);
+    // The open element, raising CMxInvalidStateException when there is none.
+    CXmlWriterContext &Current();
+    // Closes the attribute list of the current element at its first content.
+    void CloseStartTag();
+    void CheckAttributesAllowed();
+
+    void AppendIdentifyingString(std::string const &text, StringTable table);
+    void AppendAttributeQName(std::string const &prefix, std::string const &namespaceUri,
+                              std::string const &localName);
+    void AppendElementQName(unsigned char flags, std::string const &prefix, std::string const &namespaceUri,
+                            std::string const &localName);
+    void AppendAttributeValue(std::string const &text, ItemType type);
+    void AppendCharacterChunk(std::string const &text, ItemType type);
+    void AppendEncodedCharacterStringBit5(unsigned char flags, std::string const &text, ItemType type);
+    void AppendEncodedCharacterStringBit7(unsigned char flags, std::string const &text, ItemType type);
+    // The value's octets, by restricted alphabet (kind 1) or algorithm (2).
+    std::string EncodeValue(std::uint32_t kind, std::uint32_t value, std::string const &text);
+    std::string AppendRestrictedAlphabetString(std::uint32_t alphabet, std::string const &text);
+
+    void AppendNonEmptyOctetStringBit2(std::string_view octets);
+    void AppendNonEmptyOctetStringBit5(unsigned char prefix, std::string_view octets);
+    void AppendNonEmptyOctetStringBit7(unsigned char prefix, std::string_view octets);
+    void AppendIntegerBit2(unsigned char flags, std::uint32_t n);
+    void AppendIntegerBit3(unsigned char flags, std::uint32_t n);
+    void AppendIntegerBit4(std::uint32_t n);
+    void AppendLength32(std::uint32_t n);
+
+    // Local text as UTF-8; a view of `text` itself where no conversion is due.
+    std::string_view Utf8(std::string const &text);
+
+    void Put(unsigned char octet) { m_out.push_back(static_cast<char>(octet)); }
+    void Put(std::string_view octets) { m_out.append(octets.data(), octets.size()); }
+    // Hands the gathered octets to the stream.
+    void Flush();
+
+    CBinaryStream *Stream;
+    CFastInfosetContext const *Context;
+    CXmlWriterContext *PendingElement;
+    bool TerminatorPending;
+    CFIVocabulary *Vocabulary;
+
+    std::string m_out;
+    std::string m_utf8;
+};
+
+} // namespace MxXmlLib

@@ -1,0 +1,188 @@
+#pragma once
+
+// Shared pieces of the Fast Infoset tests: files, hex text, a probe object
+// that writes given elements and attributes with their ItemType, and the
+// Java peer (fi-peer) run through popen.
+
+#include "MxXmlLib.h"
+#include "collections/Element.h"
+#include "document/XmlWriter.h"
+#include "fastinfoset/FastInfosetContext.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <sstream>
+#include <string>
+#include <sys/wait.h>
+#include <utility>
+#include <vector>
+
+namespace MxFiTest
+{
+
+namespace fs = std::filesystem;
+
+inline std::string ReadFile(fs::path const &path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+inline void WriteFile(fs::path const &path, std::string const &bytes)
+{
+    std::ofstream out(path, std::ios::binary);
+    out << bytes;
+}
+
+inline std::string Bytes(MxXmlLib::CBinaryData const &data)
+{
+    return data.GetLength() ? std::string(reinterpret_cast<char const *>(data.GetData()), data.GetLength())
+                            : std::string();
+}
+
+// Upper-case hex, 16 octets a line, blanks between octets.
+inline std::string Hex(std::string const &bytes)
+{
+    static char const digits[] = "0123456789ABCDEF";
+    std::string text;
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+    {
+        auto const c = static_cast<unsigned char>(bytes[i]);
+        text += digits[c >> 4];
+        text += digits[c & 15];
+        text += (i % 16 == 15 || i + 1 == bytes.size()) ? '\n' : ' ';
+    }
+    return text;
+}
+
+// Hex digits to bytes; everything else is a separator.
+inline std::string Unhex(std::string const &text)
+{
+    std::string bytes;
+    int high = -1;
+    for (char c : text)
+    {
+        int const v = c >= '0' && c <= '9' ? c - '0' : c >= 'A' && c <= 'F' ? c - 'A' + 10
+                      : c >= 'a' && c <= 'f' ? c - 'a' + 10 : -1;
+        if (v < 0)
+            continue;
+        if (high < 0)
+            high = v;
+        else
+        {
+            bytes += static_cast<char>(high * 16 + v);
+            high = -1;
+        }
+    }
+    return bytes;
+}
+
+inline MxXmlLib::CBinaryData Data(std::string const &bytes)
+{
+    MxXmlLib::CBinaryData data;
+    data.SetBuffer(reinterpret_cast<unsigned char const *>(bytes.data()), static_cast<unsigned long>(bytes.size()));
+    return data;
+}
+
+template <typename E = MxXmlLib::CMxException> std::string ErrorOf(std::function<void()> const &call)
+{
+    try
+    {
+        call();
+    }
+    catch (E const &e)
+    {
+        return e.GetMessage();
+    }
+    return "no error";
+}
+
+// Writes <root> with the given attributes and child elements, each with its
+// ItemType, through whatever writer it is given.
+class CTypedProbe : public MxXmlLib::CXmlObjectBase
+{
+public:
+    struct Item
+    {
+        std::string name;
+        std::string value;
+        MxXmlLib::ItemType type;
+    };
+    CTypedProbe(std::string root, std::vector<Item> attributes, std::vector<Item> elements)
+        : m_root(std::move(root)), m_attributes(std::move(attributes)), m_elements(std::move(elements))
+    {
+        SetElementName(m_root.c_str());
+    }
+    MxXmlLib::CXmlObjectBase *GetBase() override { return this; }
+    std::string GetNamespace() const override { return ""; }
+
+protected:
+    std::string GetTargetNamespace() const override { return ""; }
+    void ToXml_Int(MxXmlLib::CXmlWriter *writer, bool, char const *, MxXmlLib::CSerializationContext const &,
+                   bool) const override
+    {
+        writer->StartElement(m_root, "");
+        for (Item const &a : m_attributes)
+            writer->WriteAttribute(a.name, "", a.value, a.type);
+        for (Item const &e : m_elements)
+        {
+            writer->StartElement(e.name, "");
+            writer->WriteText(e.value, e.type, false);
+            writer->EndElement();
+        }
+        writer->EndElement();
+    }
+    MxXmlLib::CXmlElement *FromXml_Int(MxXmlLib::CXmlElement *, MxXmlLib::CXmlElement *cursor,
+                                       MxXmlLib::CSerializationContext const &, bool) override
+    {
+        return cursor;
+    }
+
+private:
+    std::string m_root;
+    std::vector<Item> m_attributes;
+    std::vector<Item> m_elements;
+};
+
+// The peer's exit code and standard output.
+struct PeerResult
+{
+    int code;
+    std::string output;
+};
+
+inline PeerResult RunPeer(std::string const &arguments)
+{
+    std::string const command = std::string("'") + MX_FI_PEER + "' " + arguments + " 2>/dev/null";
+    PeerResult result{-1, ""};
+    FILE *pipe = popen(command.c_str(), "r");
+    if (pipe == nullptr)
+        return result;
+    char buffer[4096];
+    std::size_t got;
+    while ((got = std::fread(buffer, 1, sizeof(buffer), pipe)) > 0)
+        result.output.append(buffer, got);
+    int const status = pclose(pipe);
+    result.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return result;
+}
+
+// Empty when the peer runs; otherwise why not (for GTEST_SKIP).
+inline std::string PeerUnavailable()
+{
+    static std::string const reason = [] {
+        if (!fs::exists(MX_FI_PEER))
+            return std::string("fi-peer not found at " MX_FI_PEER);
+        PeerResult const r = RunPeer("help");
+        if (r.code == 4 || r.code == 127 || r.code < 0)
+            return std::string("fi-peer cannot run (needs libfastinfoset-java and a JDK)");
+        return std::string();
+    }();
+    return reason;
+}
+
+} // namespace MxFiTest
