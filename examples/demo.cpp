@@ -89,6 +89,10 @@ int main(int argc, char **argv)
                 return order->ToJsonStream(true, XmlEncoding_UTF8, LF, context, compression);
             };
         };
+        auto fastInfosetAs = [&](CompressionType compression) {
+            return [&, compression] { return order->ToFastInfosetStream(FInfoDecl_None, context, compression); };
+        };
+        // Byte input is detected: compressed or not, XML text or Fast Infoset.
         auto readXml = [&](CPurchaseOrder &target, CBinaryData const &bytes) { target.FromXmlStream(bytes, context); };
         auto readJson = [&](CPurchaseOrder &target, CBinaryData const &bytes) {
             target.FromJsonStream(bytes, context);
@@ -99,6 +103,8 @@ int main(int argc, char **argv)
             {"XML zlib", xmlAs(CompressionZLib), readXml},
             {"JSON", jsonAs(CompressionNone), readJson},
             {"JSON gzip", jsonAs(CompressionGZip), readJson},
+            {"FI", fastInfosetAs(CompressionNone), readXml},
+            {"FI gzip", fastInfosetAs(CompressionGZip), readXml},
         };
         std::printf("%-10s %10s %12s %12s %10s\n", "format", "bytes", "write (us)", "read (us)", "round trip");
         for (Format const &format : formats)
