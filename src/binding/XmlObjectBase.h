@@ -120,15 +120,12 @@ public:
                                 CSerializationContext const &context = CSerializationContext::GetDefaultContext());
     virtual void FromJsonStream(unsigned char *const bytes, unsigned long length,
                                 CSerializationContext const &context = CSerializationContext::GetDefaultContext());
-    // Reads from an element of a tree that the caller keeps.
-    virtual void FromXmlElement(CXmlElement const *element,
-                                CSerializationContext const &context = CSerializationContext::GetDefaultContext());
     // Reads from an untyped tree, by way of its XML text.
     virtual void FromXmlElement(CElement const *element,
                                 CSerializationContext const &context = CSerializationContext::GetDefaultContext());
-
-    // The namespace of this class, handed to element rows as the class namespace.
-    virtual std::string GetNamespace() const = 0;
+    // Reads from an element of a tree that the caller keeps.
+    virtual void FromXmlElement(CXmlElement const *element,
+                                CSerializationContext const &context = CSerializationContext::GetDefaultContext());
 
 protected:
     CXmlObjectBase();
@@ -137,6 +134,12 @@ protected:
 
     // The namespace of the top-level element of an output document.
     virtual std::string GetTargetNamespace() const = 0;
+
+public:
+    // The namespace of this class, handed to element rows as the class namespace.
+    virtual std::string GetNamespace() const = 0;
+
+protected:
     virtual void AttributesToXml_Int(CXmlWriter *writer, CSerializationContext const &context) const;
     virtual void ToXml_Int(CXmlWriter *writer, bool isRoot, char const *namespaceUri,
                            CSerializationContext const &context, bool optionalChoice) const = 0;
