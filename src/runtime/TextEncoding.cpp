@@ -2,6 +2,7 @@
 
 #include "runtime/platform/Platform.h"
 
+#include <cstdint>
 #include <cstring>
 
 namespace MxXmlLib
@@ -23,53 +24,65 @@ bool IsUtf8Local(unsigned codePage)
     return codePage == Platform::CodePageUtf8 || codePage <= Platform::CodePageThreadAcp;
 }
 
-// Well-formed UTF-8 that is also the local encoding converts to itself, which
-// is the common case on this platform: check instead of converting.
+} // namespace
+
+// Strict UTF-8: no overlong forms, no surrogates, nothing above U+10FFFF,
+// which is what the code-page decoder accepts without replacing anything.
 bool IsWellFormedUtf8(unsigned char const *p, std::size_t length)
 {
-    std::size_t i = 0;
-    while (i < length)
+    unsigned char const *const end = p + length;
+    while (p < end)
     {
-        unsigned c = p[i];
+        // Runs of ASCII go eight bytes at a time.
+        while (end - p >= 8)
+        {
+            std::uint64_t word;
+            std::memcpy(&word, p, 8);
+            if (word & 0x8080808080808080ULL)
+                break;
+            p += 8;
+        }
+        if (p == end)
+            break;
+        unsigned char const c = *p;
         if (c < 0x80)
         {
-            ++i;
+            ++p;
             continue;
         }
         std::size_t need;
-        unsigned lo = 0x80, hi = 0xBF;
+        unsigned char low = 0x80, high = 0xBF; // bounds of the second byte
         if (c >= 0xC2 && c <= 0xDF)
             need = 1;
         else if (c >= 0xE0 && c <= 0xEF)
         {
             need = 2;
             if (c == 0xE0)
-                lo = 0xA0;
+                low = 0xA0;
             else if (c == 0xED)
-                hi = 0x9F;
+                high = 0x9F;
         }
         else if (c >= 0xF0 && c <= 0xF4)
         {
             need = 3;
             if (c == 0xF0)
-                lo = 0x90;
+                low = 0x90;
             else if (c == 0xF4)
-                hi = 0x8F;
+                high = 0x8F;
         }
         else
             return false;
-        if (i + need >= length)
+        if (static_cast<std::size_t>(end - p) <= need)
             return false;
-        if (p[i + 1] < lo || p[i + 1] > hi)
+        if (p[1] < low || p[1] > high)
             return false;
-        for (std::size_t k = 2; k <= need; ++k)
-            if ((p[i + k] & 0xC0) != 0x80)
+        for (std::size_t i = 2; i <= need; ++i)
+            if ((p[i] & 0xC0) != 0x80)
                 return false;
-        i += need + 1;
+        p += need + 1;
     }
     return true;
 }
-} // namespace
 
 void ASCIIOnly(bool asciiOnly)
 {

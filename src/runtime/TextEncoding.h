@@ -4,6 +4,7 @@
 // encoding, named by a code-page number (65001, UTF-8, unless set). Both
 // settings are plain variables meant to be set once at start-up.
 
+#include <cstddef>
 #include <string>
 
 namespace MxXmlLib
@@ -18,6 +19,9 @@ unsigned int GetLocalCharEncoding();
 // True when UTF-8 input reaches local text unchanged: ASCIIOnly is set, or
 // the local encoding is UTF-8 (readers then copy well-formed input as it is).
 bool IsUtf8PassThrough();
+// Strict UTF-8: no overlong forms, surrogates or values above U+10FFFF. Such
+// text is its own local form wherever IsUtf8PassThrough() holds.
+bool IsWellFormedUtf8(unsigned char const *text, std::size_t length);
 
 // UTF-8 to local text. The result ends at the first zero byte. Characters the
 // local encoding cannot show become '?'. The scratch buffers, when given,

@@ -513,8 +513,12 @@ CBinaryData LocalToUtf8(char const *text)
         return CBinaryData();
     if (IsASCIIOnly())
         return CBinaryData(text);
+    std::size_t const length = std::strlen(text);
+    // Local text that is already well-formed UTF-8 converts to itself.
+    if (IsUtf8PassThrough() && IsWellFormedUtf8(reinterpret_cast<unsigned char const *>(text), length))
+        return CBinaryData(text);
     std::wstring wide;
-    if (!Platform::DecodeToWide(GetLocalCharEncoding(), text, std::strlen(text), wide))
+    if (!Platform::DecodeToWide(GetLocalCharEncoding(), text, length, wide))
         return CBinaryData();
     return CBinaryData(wide.c_str());
 }

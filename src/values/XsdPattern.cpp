@@ -2,8 +2,7 @@
 
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
-#include "runtime/TextEncoding.h"
-#include "runtime/platform/Platform.h"
+#include "values/BinaryData.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -35,18 +34,11 @@ struct PcreHolder
     }
 };
 
+// The subject as UTF-8, by the library's one local-to-UTF-8 conversion.
 std::string ToUtf8(std::string const &local)
 {
-    unsigned const codePage = GetLocalCharEncoding();
-    bool const isUtf8 = codePage == Platform::CodePageUtf8 || codePage <= Platform::CodePageThreadAcp;
-    if (IsASCIIOnly() || isUtf8)
-        return local;
-    std::wstring wide;
-    std::string utf8;
-    if (!Platform::DecodeToWide(codePage, local.data(), local.size(), wide) ||
-        !Platform::EncodeFromWide(Platform::CodePageUtf8, wide.data(), wide.size(), utf8))
-        return std::string();
-    return utf8;
+    CBinaryData const utf8 = LocalToUtf8(local.c_str());
+    return std::string(reinterpret_cast<char const *>(utf8.GetData()), utf8.GetLength());
 }
 } // namespace
 
