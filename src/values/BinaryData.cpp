@@ -47,9 +47,17 @@ unsigned long CapacityFor(unsigned long long length)
     return static_cast<unsigned long>(std::min<unsigned long long>(std::max<unsigned long long>(2 * length, kMinCapacity), kMaxLength));
 }
 
+// Uninitialised: a block's spare room is large (8 KB at least) and is only
+// ever read after it is written. The one byte behind the data must read as 0,
+// so whoever fills a buffer sets it (see Terminate).
 unsigned char *NewBytes(std::size_t size)
 {
-    return new unsigned char[size](); // zeroed, so the byte behind the data reads as 0
+    return new unsigned char[size];
+}
+
+void Terminate(unsigned char *bytes, std::size_t length)
+{
+    bytes[length] = 0;
 }
 
 // --- wide text to UTF-8 ---------------------------------------------------------
@@ -161,6 +169,7 @@ CBinaryData::Block *CBinaryData::CopyOf(unsigned char const *data, unsigned long
     std::unique_ptr<unsigned char[]> bytes(NewBytes(static_cast<std::size_t>(capacity) + 1));
     if (length)
         std::memcpy(bytes.get(), data, length);
+    Terminate(bytes.get(), length);
     Block *b = Adopt(bytes.get(), length, capacity, true);
     bytes.release();
     return b;
@@ -208,6 +217,9 @@ void CBinaryData::AppendToBlock(unsigned char const *data, unsigned long length)
         std::memmove(block->data + block->length, data, length); // `data` may lie inside the block
     }
     block->length = static_cast<std::uint32_t>(total);
+    // A buffer adopted from the caller may have no byte behind its data.
+    if (total < block->allocated)
+        Terminate(block->data, static_cast<std::size_t>(total));
 }
 
 // --- construction -----------------------------------------------------------------
@@ -264,6 +276,7 @@ CBinaryData::CBinaryData(wchar_t const *text) : block(nullptr)
     std::size_t const written = WriteUtf8(text, units, bytes.get(), size);
     if (written == 0)
         return;
+    Terminate(bytes.get(), written);
     block = Adopt(bytes.get(), written, written, true);
     bytes.release();
 }
@@ -459,6 +472,7 @@ unsigned long CBinaryData::ConvertToHexData(std::string const &text, unsigned ch
             throw CMxException(FormatString("Invalid char in hex string [%c]", text[2 * i + 1]));
         bytes[i] = static_cast<unsigned char>(high << 4 | low);
     }
+    Terminate(bytes.get(), count);
     *out = bytes.release();
     return static_cast<unsigned long>(count);
 }
@@ -555,6 +569,7 @@ CBinaryData LocalToUtf16(char const *text)
         else
             put(code);
     }
+    Terminate(bytes.get(), 2 * units);
     result.block = CBinaryData::Adopt(bytes.get(), static_cast<unsigned long>(2 * units), capacity, true);
     bytes.release();
     return result;
