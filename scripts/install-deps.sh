@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what the build needs on a fresh Debian machine (run as root).
 set -euo pipefail
-pkgs=(cmake g++ make pkg-config libexpat1-dev libpcre3-dev zlib1g-dev googletest libgtest-dev)
+pkgs=(cmake g++ make pkg-config libexpat1-dev libpcre3-dev zlib1g-dev googletest libgtest-dev libxerces-c-dev)
 [ "${MX_WITH_BENCH:-0}" = 1 ] && pkgs+=(libbenchmark-dev)
 # The test suite checks our output against independent readers: Python's json
 # module and the Java Fast Infoset codec.

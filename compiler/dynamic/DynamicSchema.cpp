@@ -1,0 +1,911 @@
+#include "dynamic/DynamicSchema.h"
+
+#include "frontend/XsdFrontend.h"
+
+#include <array>
+#include <atomic>
+#include <cstring>
+#include <mutex>
+#include <type_traits>
+#include <utility>
+
+namespace MxCompiler
+{
+
+using namespace MxXmlLib;
+using namespace MxXmlLibData;
+
+namespace Dynamic
+{
+
+// ---------------------------------------------------------------------------
+// The registry: numbered slots for sets, enumerations and substitution
+// factories. A row's function pointer is a thunk bound to one slot.
+
+constexpr std::size_t kSetSlots = 32767;  // the set's number stands in bits 16-30 of a class number
+constexpr int kMaxClasses = 32767;        // bits 1-15; bit 0 says nillable
+constexpr std::size_t kThunkSlots = 4096; // enumerations, and substitution factories, of all live sets
+
+struct EnumSlot
+{
+    Enumeration const *values = nullptr;
+};
+
+struct AbsSlot
+{
+    SetData const *set = nullptr;
+    int baseClass = -1;
+    bool nillable = false;
+};
+
+class SlotTable
+{
+public:
+    explicit SlotTable(std::size_t size) : m_used(size, false) {}
+    // The first free slot, or -1 when all are taken.
+    int Take()
+    {
+        std::lock_guard<std::mutex> lock(m_lock);
+        for (std::size_t i = m_next; i < m_used.size() + m_next; ++i)
+        {
+            std::size_t const slot = i % m_used.size();
+            if (!m_used[slot])
+            {
+                m_used[slot] = true;
+                m_next = slot + 1;
+                return static_cast<int>(slot);
+            }
+        }
+        return -1;
+    }
+    void Give(int slot)
+    {
+        std::lock_guard<std::mutex> lock(m_lock);
+        m_used[static_cast<std::size_t>(slot)] = false;
+    }
+
+private:
+    std::mutex m_lock;
+    std::vector<bool> m_used;
+    std::size_t m_next = 0;
+};
+
+SlotTable &SetSlots()
+{
+    static SlotTable table(kSetSlots);
+    return table;
+}
+SlotTable &EnumSlots()
+{
+    static SlotTable table(kThunkSlots);
+    return table;
+}
+SlotTable &AbsSlots()
+{
+    static SlotTable table(kThunkSlots);
+    return table;
+}
+
+std::array<std::atomic<SetData const *>, kSetSlots> g_sets{};
+std::array<std::atomic<Enumeration const *>, kThunkSlots> g_enums{};
+std::array<std::atomic<AbsSlot const *>, kThunkSlots> g_abs{};
+
+struct SetData : std::enable_shared_from_this<SetData>
+{
+    struct Tables
+    {
+        CParentElementInfo *info = nullptr;
+        std::vector<CElementInfo *> elements; // null-terminated
+        std::vector<CAttributeInfo *> attributes;
+    };
+
+    Model model;
+    int slot = -1;
+    std::vector<Tables> tables;
+    std::vector<int> enumSlots;             // per enumeration
+    std::vector<std::unique_ptr<AbsSlot>> absSlots;
+    std::vector<int> absSlotNumbers;
+
+    ~SetData();
+    CSmartPtr<CXmlObjectBase> Make(int classIndex, bool nillable, char const *elementName,
+                                   std::string const &elementNs) const;
+    CSmartPtr<CXmlObjectBase> MakeSubstitute(AbsSlot const &abs, CXmlElement *element) const;
+};
+
+int ClassNumber(int setSlot, int classIndex, bool nillable)
+{
+    return (setSlot << 16) | (classIndex << 1) | (nillable ? 1 : 0);
+}
+
+CSmartPtr<CXmlObjectBase> MakeByNumber(int classId, char const *elementName)
+{
+    auto const slot = static_cast<std::size_t>(classId >> 16);
+    if (classId < 0 || slot >= kSetSlots)
+        return nullptr;
+    SetData const *set = g_sets[slot].load(std::memory_order_acquire);
+    if (set == nullptr)
+        return nullptr;
+    int const index = (classId >> 1) & 0x7FFF;
+    if (index >= static_cast<int>(set->model.classes.size()))
+        return nullptr;
+    ClassDef const &c = set->model.classes[static_cast<std::size_t>(index)];
+    return set->Make(index, (classId & 1) != 0, elementName, c.ns);
+}
+
+// The two questions a factory may put to an element are protected members
+// of the factory base.
+class Factory : public CClassfactoryBase
+{
+public:
+    using CClassfactoryBase::GetElementType;
+    using CClassfactoryBase::GetElementTypeNamespaceUri;
+};
+
+template <std::size_t I> char const *EnumToString(int value)
+{
+    Enumeration const *e = g_enums[I].load(std::memory_order_acquire);
+    if (e == nullptr || value < 0 || static_cast<std::size_t>(value) >= e->values.size())
+        return "";
+    return e->values[static_cast<std::size_t>(value)].c_str();
+}
+
+template <std::size_t I> int EnumFromString(char const *text)
+{
+    Enumeration const *e = g_enums[I].load(std::memory_order_acquire);
+    if (e != nullptr)
+        for (std::size_t i = 0; i < e->values.size(); ++i)
+            if (e->values[i] == text)
+                return static_cast<int>(i);
+    throw CMxInvalidValueException(
+        FormatString("Invalid value [%s] for the enumeration %s", text, e ? e->name.c_str() : "?"));
+}
+
+template <std::size_t I> CSmartPtr<CXmlObjectBase> MakeByElement(CXmlElement *element)
+{
+    AbsSlot const *abs = g_abs[I].load(std::memory_order_acquire);
+    if (abs == nullptr || element == nullptr)
+        return nullptr;
+    return abs->set->MakeSubstitute(*abs, element);
+}
+
+template <std::size_t... I> constexpr auto EnumToStringTable(std::index_sequence<I...>)
+{
+    return std::array<CElementInfo::EnumToString, sizeof...(I)>{&EnumToString<I>...};
+}
+template <std::size_t... I> constexpr auto EnumFromStringTable(std::index_sequence<I...>)
+{
+    return std::array<CElementInfo::StringToEnum, sizeof...(I)>{&EnumFromString<I>...};
+}
+template <std::size_t... I> constexpr auto MakeByElementTable(std::index_sequence<I...>)
+{
+    return std::array<CClassfactoryBase::FactoryByElement, sizeof...(I)>{&MakeByElement<I>...};
+}
+
+constexpr auto kEnumToString = EnumToStringTable(std::make_index_sequence<kThunkSlots>());
+constexpr auto kEnumFromString = EnumFromStringTable(std::make_index_sequence<kThunkSlots>());
+constexpr auto kMakeByElement = MakeByElementTable(std::make_index_sequence<kThunkSlots>());
+
+// ---------------------------------------------------------------------------
+// Collections of the loaded classes
+
+// Items of a real element are the siblings of the collection's name, each
+// made by number or, when substitutable, by the element; inline items read
+// on from the cursor while they take something.
+class CObjectCol : public CXmlCollection
+{
+public:
+    CObjectCol(char const *elementName, char const *ns, int minOccurs, int maxOccurs, int classId,
+               CClassfactoryBase::FactoryByElement byElement, bool inlineItems)
+        : CXmlCollection(elementName, ns, minOccurs, maxOccurs), m_classId(classId), m_byElement(byElement),
+          m_inlineItems(inlineItems)
+    {
+    }
+    CXmlObjectBase *GetBase() override { return this; }
+    using CXmlObjectBase::GetBase;
+
+protected:
+    ~CObjectCol() override = default;
+
+    void ToXml_Int(CXmlWriter *writer, bool, char const *namespaceUri, CSerializationContext const &context,
+                   bool) const override
+    {
+        for (CNode *node = GetFirstNode(); node; node = node->next)
+            CXmlObjectBase::ToXml_Int(node->item, writer, false, namespaceUri, context, false);
+    }
+
+    CXmlElement *FromXml_Int(CXmlElement *parent, CXmlElement *current, CSerializationContext const &context,
+                             bool) override
+    {
+        std::string const name = GetElementName();
+        std::string const ns = GetNamespace();
+        while (current != nullptr)
+        {
+            if (m_inlineItems)
+            {
+                CSmartPtr<CXmlObjectBase> item = MakeByNumber(m_classId, name.c_str());
+                CXmlElement *const next = CXmlObjectBase::FromXml_Int(item, parent, current, context, false);
+                if (next == current)
+                    break;
+                AppendItem(item);
+                current = next;
+                continue;
+            }
+            if (!DoesElementNameMatch(context, current, name.c_str(), ns.c_str()))
+                break;
+            CSmartPtr<CXmlObjectBase> item =
+                m_byElement ? m_byElement(current) : MakeByNumber(m_classId, name.c_str());
+            if (item.IsNull())
+                throw CMxValidationException(
+                    FormatString("Failed to find a suitable substitution element for [%s].", name.c_str()),
+                    current->GetXPath());
+            CXmlObjectBase::FromXml_Int(item, current, current->GetFirstElement(), context, false);
+            AppendItem(item);
+            current = current->GetNextSiblingElement();
+        }
+        return current;
+    }
+
+private:
+    int m_classId;
+    CClassfactoryBase::FactoryByElement m_byElement;
+    bool m_inlineItems;
+};
+
+// Repeated enumeration values, named by a function pair.
+class CEnumCol : public CXmlTypeCollection
+{
+public:
+    CEnumCol(char const *elementName, char const *ns, int minOccurs, int maxOccurs, CElementInfo::EnumToString toString,
+             CElementInfo::StringToEnum fromString, WhitespaceRule rule)
+        : CXmlTypeCollection(ItemType_string, elementName, ns, minOccurs, maxOccurs, nullptr, -1, -1, nullptr, nullptr,
+                             nullptr, nullptr, -1, -1, -1, rule, nullptr),
+          m_toString(toString), m_fromString(fromString)
+    {
+    }
+    CXmlObjectBase *GetBase() override { return this; }
+    using CXmlObjectBase::GetBase;
+    int GetCount() const override { return static_cast<int>(m_items.size()); }
+    void Clear() override { m_items.clear(); }
+    void Remove(int index) override { m_items.erase(m_items.begin() + index); }
+    void Add(int value) { m_items.push_back(value); }
+
+protected:
+    ~CEnumCol() override = default;
+    void AddFromString(std::string text) override
+    {
+        m_items.push_back(m_fromString(CWhitespaceUtils::ApplyRule(GetWhitespaceRule(), text).c_str()));
+    }
+    void ToXml_Int(CXmlWriter *writer, bool, char const *, CSerializationContext const &context, bool) const override
+    {
+        ValidateCount(context);
+        for (int item : m_items)
+        {
+            writer->StartElement(GetElementName(), GetNamespace());
+            writer->WriteText(m_toString(item), ItemType_string, false);
+            writer->EndElement();
+        }
+    }
+
+private:
+    CElementInfo::EnumToString m_toString;
+    CElementInfo::StringToEnum m_fromString;
+    std::vector<int> m_items;
+};
+
+template <typename Col> CXmlObjectBase *NewValueCol(ElementRow const &row)
+{
+    CPrimitiveRestrictions const &f = row.value.facets;
+    auto text = [](std::string const &s) { return s.empty() ? nullptr : s.c_str(); };
+    return new Col(row.name.c_str(), row.ns.c_str(), row.minOccurs, row.maxOccurs, text(f.pattern), f.minLength,
+                   f.maxLength, text(f.minInclusive), text(f.maxInclusive), text(f.minExclusive), text(f.maxExclusive),
+                   f.length, f.totalDigits, f.fractionDigits, row.value.whitespace);
+}
+
+CXmlObjectBase *NewValueCol(ElementRow const &row)
+{
+    switch (row.value.itemType)
+    {
+    case ItemType_hexBinary:
+        return NewValueCol<ChexBinaryCol>(row);
+    case ItemType_base64Binary:
+        return NewValueCol<Cbase64BinaryCol>(row);
+    case ItemType_i1:
+        return NewValueCol<Ci1Col>(row);
+    case ItemType_i2:
+        return NewValueCol<Ci2Col>(row);
+    case ItemType_i4:
+        return NewValueCol<Ci4Col>(row);
+    case ItemType_i8:
+        return NewValueCol<Ci8Col>(row);
+    case ItemType_ui1:
+        return NewValueCol<Cui1Col>(row);
+    case ItemType_ui2:
+        return NewValueCol<Cui2Col>(row);
+    case ItemType_ui4:
+        return NewValueCol<Cui4Col>(row);
+    case ItemType_ui8:
+        return NewValueCol<Cui8Col>(row);
+    case ItemType_r4:
+        return NewValueCol<Cr4Col>(row);
+    case ItemType_r8:
+        return NewValueCol<Cr8Col>(row);
+    case ItemType_duration:
+        return NewValueCol<CdurationCol>(row);
+    case ItemType_yearMonth:
+        return NewValueCol<CyearMonthCol>(row);
+    case ItemType_monthDay:
+        return NewValueCol<CmonthDayCol>(row);
+    case ItemType_year:
+        return NewValueCol<CyearCol>(row);
+    case ItemType_month:
+        return NewValueCol<CmonthCol>(row);
+    case ItemType_day:
+        return NewValueCol<CdayCol>(row);
+    case ItemType_date:
+        return NewValueCol<CdateCol>(row);
+    case ItemType_datetime:
+        return NewValueCol<CdatetimeCol>(row);
+    case ItemType_time:
+        return NewValueCol<CtimeCol>(row);
+    case ItemType_boolean:
+        return NewValueCol<CbooleanCol>(row);
+    case ItemType_decimal:
+        return NewValueCol<CdecimalCol>(row);
+    case ItemType_integer:
+        return NewValueCol<CintegerCol>(row);
+    default:
+        return NewValueCol<CstringCol>(row);
+    }
+}
+
+// The namespace an untyped element or collection starts with: one that its
+// own wildcard admits.
+std::string WildcardNamespace(std::string const &restriction, std::string const &targetNs)
+{
+    if (restriction == "##targetNamespace")
+        return targetNs;
+    if (restriction.rfind("##", 0) == 0)
+        return std::string();
+    return restriction;
+}
+
+// ---------------------------------------------------------------------------
+// Building the rows
+
+char const *Text(std::string const &s)
+{
+    return s.c_str();
+}
+char const *Default(bool has, std::string const &value)
+{
+    return has ? value.c_str() : nullptr;
+}
+
+// The constructors of the three groups differ only in the class names, and
+// a choice has no Mnd rows: one template builds any row of one group.
+template <typename ClsMnd, typename ClsOpt, typename ClsCol, typename AbsMnd, typename AbsOpt, typename AbsCol,
+          typename EnumMnd, typename EnumOpt, typename EnumCol, typename PrimMnd, typename PrimOpt, typename PrimCol,
+          typename UntpdMnd, typename UntpdOpt, typename UntpdCol>
+struct RowMaker
+{
+    static CElementInfo *Make(ElementRow const &r, int classId, CClassfactoryBase::FactoryByElement byElement,
+                              CElementInfo::EnumToString toString, CElementInfo::StringToEnum fromString)
+    {
+        char const *n = Text(r.name);
+        char const *ns = Text(r.ns);
+        int const p = r.property;
+        XmlElementType const type =
+            r.childShape == ClassShape::Element ? XmlElementType_Element : XmlElementType_PseudoGroup;
+        switch (r.kind)
+        {
+        case RowKind::Cls:
+            if (r.occurs == Occurs::Col)
+                return new ClsCol(n, ns, p, type);
+            if (r.occurs == Occurs::Opt)
+                return new ClsOpt(n, ns, p, type, &MakeByNumber, classId);
+            if constexpr (!std::is_void_v<ClsMnd>)
+                return new ClsMnd(n, ns, p, type, &MakeByNumber, classId, r.contentRequired);
+            break;
+        case RowKind::AbsCls:
+            if (r.occurs == Occurs::Col)
+                return new AbsCol(n, ns, p, type);
+            if (r.occurs == Occurs::Opt)
+                return new AbsOpt(n, ns, p, type, byElement);
+            if constexpr (std::is_constructible_v<AbsMnd, char const *, char const *, int, XmlElementType,
+                                                  CClassfactoryBase::FactoryByElement, int>)
+                return new AbsMnd(n, ns, p, type, byElement, 0);
+            else if constexpr (!std::is_void_v<AbsMnd>)
+                return new AbsMnd(n, ns, p, type, byElement);
+            break;
+        case RowKind::Enum:
+            if (r.occurs == Occurs::Col)
+                return new EnumCol(n, ns, p);
+            if (r.occurs == Occurs::Opt)
+                return new EnumOpt(n, ns, p, r.nillable, toString, fromString, Default(r.hasDefault, r.defaultValue));
+            if constexpr (!std::is_void_v<EnumMnd>)
+                return new EnumMnd(n, ns, p, r.nillable, toString, fromString, Default(r.hasDefault, r.defaultValue));
+            break;
+        case RowKind::Prim:
+            if (r.occurs == Occurs::Col)
+                return new PrimCol(n, ns, p);
+            if (r.occurs == Occurs::Opt)
+                return new PrimOpt(n, ns, p, r.nillable, r.value.itemType, nullptr, r.value.whitespace, r.value.facets,
+                                   Default(r.hasDefault, r.defaultValue));
+            if constexpr (!std::is_void_v<PrimMnd>)
+                return new PrimMnd(n, ns, p, r.nillable, r.value.itemType, nullptr, r.value.whitespace, r.value.facets,
+                                   Default(r.hasDefault, r.defaultValue));
+            break;
+        case RowKind::Untpd:
+            if (r.occurs == Occurs::Col)
+                return new UntpdCol(n, ns, p);
+            if (r.occurs == Occurs::Opt)
+                return new UntpdOpt(n, ns, p, Text(r.namespaceRestriction), Text(r.targetNamespace));
+            if constexpr (!std::is_void_v<UntpdMnd>)
+                return new UntpdMnd(n, ns, p, Text(r.namespaceRestriction), Text(r.targetNamespace));
+            break;
+        }
+        throw CSchemaError("no row class for " + RowClassName(r) + " (" + r.origin + ")");
+    }
+};
+
+using SeqRows = RowMaker<CElementInfoSeqClsMnd, CElementInfoSeqClsOpt, CElementInfoSeqClsCol, CElementInfoSeqAbsClsMnd,
+                         CElementInfoSeqAbsClsOpt, CElementInfoSeqAbsClsCol, CElementInfoSeqEnumMnd,
+                         CElementInfoSeqEnumOpt, CElementInfoSeqEnumCol, CElementInfoSeqPrimMnd, CElementInfoSeqPrimOpt,
+                         CElementInfoSeqPrimCol, CElementInfoSeqUntpdMnd, CElementInfoSeqUntpdOpt,
+                         CElementInfoSeqUntpdCol>;
+using AllRows = RowMaker<CElementInfoAllClsMnd, CElementInfoAllClsOpt, CElementInfoAllClsCol, CElementInfoAllAbsClsMnd,
+                         CElementInfoAllAbsClsOpt, CElementInfoAllAbsClsCol, CElementInfoAllEnumMnd,
+                         CElementInfoAllEnumOpt, CElementInfoAllPrimCol, CElementInfoAllPrimMnd, CElementInfoAllPrimOpt,
+                         CElementInfoAllPrimCol, CElementInfoAllUntpdMnd, CElementInfoAllUntpdOpt,
+                         CElementInfoAllUntpdCol>;
+using ChoiceRows =
+    RowMaker<void, CElementInfoChoiceClsOpt, CElementInfoChoiceClsCol, void, CElementInfoChoiceAbsClsOpt,
+             CElementInfoChoiceAbsClsCol, void, CElementInfoChoiceEnumOpt, CElementInfoChoiceEnumCol, void,
+             CElementInfoChoicePrimOpt, CElementInfoChoicePrimCol, void, CElementInfoChoiceUntpdOpt,
+             CElementInfoChoiceUntpdCol>;
+
+CAttributeInfo *MakeAttribute(AttributeRow const &a, CElementInfo::EnumToString toString,
+                              CElementInfo::StringToEnum fromString)
+{
+    switch (a.kind)
+    {
+    case AttributeRow::Kind::Any:
+        return new CAttributeInfoAny("", "", a.property, true, Text(a.namespaceRestriction), Text(a.targetNamespace),
+                                     nullptr);
+    case AttributeRow::Kind::Enum:
+        return new CAttributeInfoEnum(Text(a.name), Text(a.ns), a.property, a.optional, toString, fromString,
+                                      Default(a.hasDefault, a.defaultValue));
+    case AttributeRow::Kind::Prim:
+        break;
+    }
+    return new CAttributeInfoPrimitive(Text(a.name), Text(a.ns), a.property, a.optional, a.value.itemType, nullptr,
+                                       a.value.whitespace, a.value.facets, Default(a.hasDefault, a.defaultValue));
+}
+
+struct Slots
+{
+    std::vector<int> enums;
+    std::vector<int> abs;
+    int set = -1;
+    void Release()
+    {
+        for (int s : enums)
+        {
+            g_enums[static_cast<std::size_t>(s)].store(nullptr, std::memory_order_release);
+            EnumSlots().Give(s);
+        }
+        for (int s : abs)
+        {
+            g_abs[static_cast<std::size_t>(s)].store(nullptr, std::memory_order_release);
+            AbsSlots().Give(s);
+        }
+        if (set >= 0)
+        {
+            g_sets[static_cast<std::size_t>(set)].store(nullptr, std::memory_order_release);
+            SetSlots().Give(set);
+        }
+        enums.clear();
+        abs.clear();
+        set = -1;
+    }
+};
+
+SetData::~SetData()
+{
+    Slots slots{enumSlots, absSlotNumbers, slot};
+    slots.Release();
+    for (Tables &t : tables)
+    {
+        delete t.info;
+        for (CElementInfo *row : t.elements)
+            delete row;
+        for (CAttributeInfo *row : t.attributes)
+            delete row;
+    }
+}
+
+CSmartPtr<CXmlObjectBase> SetData::Make(int classIndex, bool nillable, char const *elementName,
+                                        std::string const &elementNs) const
+{
+    std::shared_ptr<SetData const> self = shared_from_this();
+    if (nillable)
+    {
+        class CNillable : public CDynamicObject, public INillable
+        {
+        public:
+            using CDynamicObject::CDynamicObject;
+            bool IsNil() override { return m_nil; }
+            void SetNil(bool nil) override { m_nil = nil; }
+            void Init() override
+            {
+                m_nil = false;
+                CDynamicObject::Init();
+            }
+
+        private:
+            bool m_nil = false;
+        };
+        return new CNillable(self, classIndex, elementName, elementNs);
+    }
+    return new CDynamicObject(self, classIndex, elementName, elementNs);
+}
+
+CSmartPtr<CXmlObjectBase> SetData::MakeSubstitute(AbsSlot const &abs, CXmlElement *element) const
+{
+    std::string const type = Factory::GetElementType(element);
+    int chosen = -1;
+    if (type.empty())
+        chosen = abs.baseClass;
+    else
+    {
+        std::string const typeNs = Factory::GetElementTypeNamespaceUri(element);
+        for (int candidate : model.Substitutes(abs.baseClass))
+        {
+            ClassDef const &c = model.classes[static_cast<std::size_t>(candidate)];
+            if (!c.anonymous && c.name == type && c.ns == typeNs)
+                chosen = candidate;
+        }
+    }
+    if (chosen < 0 || model.classes[static_cast<std::size_t>(chosen)].abstract)
+        return nullptr;
+    return Make(chosen, abs.nillable, element->GetLocalName().c_str(), element->GetNamespaceURI());
+}
+
+std::shared_ptr<SetData> Build(Model model)
+{
+    // The classes of a loaded set are generated code of this library's own version.
+    Register(16, 1);
+    auto data = std::make_shared<SetData>();
+    data->model = std::move(model);
+    Model const &m = data->model;
+    if (m.classes.size() > static_cast<std::size_t>(kMaxClasses))
+        throw CSchemaError("the schema set has " + std::to_string(m.classes.size()) + " classes; at most " +
+                           std::to_string(kMaxClasses) + " can be loaded as one set");
+    data->slot = SetSlots().Take();
+    if (data->slot < 0)
+        throw CSchemaError("too many schema sets are loaded at once");
+    for (Enumeration const &e : m.enumerations)
+    {
+        int const s = EnumSlots().Take();
+        if (s < 0)
+            throw CSchemaError("too many enumerations are loaded at once (at most " + std::to_string(kThunkSlots) + ")");
+        data->enumSlots.push_back(s);
+        g_enums[static_cast<std::size_t>(s)].store(&e, std::memory_order_release);
+    }
+    auto absFactory = [&data](int baseClass, bool nillable) {
+        for (std::size_t i = 0; i < data->absSlots.size(); ++i)
+            if (data->absSlots[i]->baseClass == baseClass && data->absSlots[i]->nillable == nillable)
+                return kMakeByElement[static_cast<std::size_t>(data->absSlotNumbers[i])];
+        int const s = AbsSlots().Take();
+        if (s < 0)
+            throw CSchemaError("too many substitutable types are loaded at once (at most " +
+                               std::to_string(kThunkSlots) + ")");
+        data->absSlots.push_back(std::make_unique<AbsSlot>(AbsSlot{data.get(), baseClass, nillable}));
+        data->absSlotNumbers.push_back(s);
+        g_abs[static_cast<std::size_t>(s)].store(data->absSlots.back().get(), std::memory_order_release);
+        return kMakeByElement[static_cast<std::size_t>(s)];
+    };
+    auto enumPair = [&data](ValueType const &v) {
+        if (v.enumeration < 0)
+            return std::make_pair(CElementInfo::EnumToString(nullptr), CElementInfo::StringToEnum(nullptr));
+        auto const s = static_cast<std::size_t>(data->enumSlots[static_cast<std::size_t>(v.enumeration)]);
+        return std::make_pair(kEnumToString[s], kEnumFromString[s]);
+    };
+    data->tables.resize(m.classes.size());
+    for (std::size_t ci = 0; ci < m.classes.size(); ++ci)
+    {
+        ClassDef const &c = m.classes[ci];
+        SetData::Tables &t = data->tables[ci];
+        t.info = new CParentElementInfo(
+            c.group == Group::Sequence ? XmlElementGroupType_Sequence
+            : c.group == Group::Choice ? XmlElementGroupType_Choice
+                                       : XmlElementGroupType_All,
+            c.shape == ClassShape::Element ? XmlElementType_Element : XmlElementType_PseudoGroup, Text(c.name),
+            Text(c.ns), c.failIfAttributeUnknown, c.hasBaseClasses, c.simpleContentProperty,
+            c.simpleContentProperty >= 0 ? c.simpleContent.itemType : ItemType_None, nullptr, false);
+        for (ElementRow const &r : c.elements)
+        {
+            int const classId = r.classIndex >= 0 ? ClassNumber(data->slot, r.classIndex, r.nillable) : 0;
+            CClassfactoryBase::FactoryByElement byElement =
+                r.kind == RowKind::AbsCls ? absFactory(r.classIndex, r.nillable) : nullptr;
+            auto const [toString, fromString] = enumPair(r.value);
+            CElementInfo *row = r.group == Group::Sequence ? SeqRows::Make(r, classId, byElement, toString, fromString)
+                                : r.group == Group::All    ? AllRows::Make(r, classId, byElement, toString, fromString)
+                                                           : ChoiceRows::Make(r, classId, byElement, toString, fromString);
+            t.elements.push_back(row);
+        }
+        t.elements.push_back(nullptr);
+        for (AttributeRow const &a : c.attributes)
+        {
+            auto const [toString, fromString] = enumPair(a.value);
+            t.attributes.push_back(MakeAttribute(a, toString, fromString));
+        }
+        t.attributes.push_back(nullptr);
+    }
+    // Published last: a factory that finds the set finds it whole.
+    g_sets[static_cast<std::size_t>(data->slot)].store(data.get(), std::memory_order_release);
+    return data;
+}
+
+} // namespace Dynamic
+
+// ---------------------------------------------------------------------------
+// Objects
+
+CDynamicObject::CDynamicObject(std::shared_ptr<Dynamic::SetData const> set, int classIndex, char const *elementName,
+                               std::string elementNamespace)
+    : m_set(std::move(set)), m_class(classIndex), m_elementNamespace(std::move(elementNamespace))
+{
+    SetElementName(elementName);
+    m_cells.resize(GetClass().properties.size());
+    for (std::size_t i = 0; i < m_cells.size(); ++i)
+        if (GetClass().properties[i].holds != Property::Holds::Value)
+            m_cells[i].SetXmlObject(nullptr);
+}
+
+CDynamicObject::~CDynamicObject() = default;
+
+ClassDef const &CDynamicObject::GetClass() const
+{
+    return m_set->model.classes[static_cast<std::size_t>(m_class)];
+}
+
+void CDynamicObject::AccessProperty(int index, bool read, MxVariant &value)
+{
+    if (index < 0 || static_cast<std::size_t>(index) >= m_cells.size())
+        throw CMxException(FormatString("Unknown property %d of %s", index, GetClass().identifier.c_str()));
+    if (read)
+        value = m_cells[static_cast<std::size_t>(index)];
+    else
+        m_cells[static_cast<std::size_t>(index)] = value;
+}
+
+CParentElementInfo *CDynamicObject::GetParentElementInfo()
+{
+    return m_set->tables[static_cast<std::size_t>(m_class)].info;
+}
+
+CElementInfo **CDynamicObject::GetClassElementInfo()
+{
+    return const_cast<CElementInfo **>(m_set->tables[static_cast<std::size_t>(m_class)].elements.data());
+}
+
+CAttributeInfo **CDynamicObject::GetClassAttributeInfo()
+{
+    return const_cast<CAttributeInfo **>(m_set->tables[static_cast<std::size_t>(m_class)].attributes.data());
+}
+
+std::string CDynamicObject::GetNamespace() const
+{
+    return GetClass().ns;
+}
+
+void CDynamicObject::Init()
+{
+    ClassDef const &c = GetClass();
+    int const setSlot = m_set->slot;
+    for (std::size_t i = 0; i < c.properties.size(); ++i)
+    {
+        Property const &p = c.properties[i];
+        MxVariant &cell = m_cells[i];
+        ElementRow const *row = p.row >= 0 ? &c.elements[static_cast<std::size_t>(p.row)] : nullptr;
+        switch (p.holds)
+        {
+        case Property::Holds::Value:
+            cell = MxVariant();
+            break;
+        case Property::Holds::Object:
+        case Property::Holds::Element:
+            cell.SetXmlObject(nullptr);
+            break;
+        case Property::Holds::MandatoryObject:
+            // Not initialised here: the object's own read starts with Init.
+            cell.SetXmlObject(m_set->Make(row->classIndex, row->nillable, row->name.c_str(), row->ns).Get());
+            break;
+        case Property::Holds::ObjectCol:
+        {
+            CClassfactoryBase::FactoryByElement byElement = nullptr;
+            if (row->kind == RowKind::AbsCls)
+                for (std::size_t s = 0; s < m_set->absSlots.size(); ++s)
+                    if (m_set->absSlots[s]->baseClass == row->classIndex &&
+                        m_set->absSlots[s]->nillable == row->nillable)
+                        byElement = Dynamic::kMakeByElement[static_cast<std::size_t>(m_set->absSlotNumbers[s])];
+            cell.SetXmlObject(new Dynamic::CObjectCol(row->name.c_str(), row->ns.c_str(), row->minOccurs,
+                                                      row->maxOccurs,
+                                                      Dynamic::ClassNumber(setSlot, row->classIndex, row->nillable),
+                                                      byElement, row->childShape == ClassShape::PseudoGroup));
+            break;
+        }
+        case Property::Holds::ValueCol:
+            cell.SetXmlObject(Dynamic::NewValueCol(*row));
+            break;
+        case Property::Holds::EnumCol:
+        {
+            auto const s = static_cast<std::size_t>(m_set->enumSlots[static_cast<std::size_t>(row->value.enumeration)]);
+            cell.SetXmlObject(new Dynamic::CEnumCol(row->name.c_str(), row->ns.c_str(), row->minOccurs, row->maxOccurs,
+                                                    Dynamic::kEnumToString[s], Dynamic::kEnumFromString[s],
+                                                    row->value.whitespace));
+            break;
+        }
+        case Property::Holds::MandatoryElement:
+            cell.SetXmlObject(new CElement(
+                row->name.c_str(), Dynamic::WildcardNamespace(row->namespaceRestriction, row->targetNamespace).c_str(),
+                row->namespaceRestriction.c_str(), row->targetNamespace.c_str()));
+            break;
+        case Property::Holds::ElementCol:
+            cell.SetXmlObject(new CElementCol(
+                Dynamic::WildcardNamespace(row->namespaceRestriction, row->targetNamespace).c_str(),
+                row->namespaceRestriction.c_str(), row->targetNamespace.c_str(), row->minOccurs, row->maxOccurs));
+            break;
+        case Property::Holds::AttributeCol:
+        {
+            AttributeRow const &a = c.attributes[static_cast<std::size_t>(p.attribute)];
+            cell.SetXmlObject(new CAttributeCol(Dynamic::WildcardNamespace(a.namespaceRestriction, a.targetNamespace).c_str(),
+                                                a.namespaceRestriction.c_str(), a.targetNamespace.c_str()));
+            break;
+        }
+        }
+    }
+}
+
+int CDynamicObject::PropertyIndex(std::string const &name) const
+{
+    ClassDef const &c = GetClass();
+    for (std::size_t i = 0; i < c.properties.size(); ++i)
+        if (c.properties[i].name == name)
+            return static_cast<int>(i);
+    throw CMxException(FormatString("Unknown property [%s] of class [%s]", name.c_str(), c.identifier.c_str()));
+}
+
+MxVariant CDynamicObject::Get(std::string const &property) const
+{
+    return m_cells[static_cast<std::size_t>(PropertyIndex(property))];
+}
+
+void CDynamicObject::Set(std::string const &property, MxVariant const &value)
+{
+    m_cells[static_cast<std::size_t>(PropertyIndex(property))] = value;
+}
+
+CXmlObjectBase *CDynamicObject::GetObject(std::string const &property) const
+{
+    MxVariant const &cell = m_cells[static_cast<std::size_t>(PropertyIndex(property))];
+    return cell.GetTypeAsEnum() == ItemType_XmlObject ? cell.GetXmlObject().Get() : nullptr;
+}
+
+// ---------------------------------------------------------------------------
+// Sets
+
+CSchemaSet CSchemaSet::Load(std::vector<std::string> const &files)
+{
+    return FromModel(LoadSchemaModel(files));
+}
+
+CSchemaSet CSchemaSet::FromModel(Model model)
+{
+    return CSchemaSet(Dynamic::Build(std::move(model)));
+}
+
+Model const &CSchemaSet::GetModel() const
+{
+    return m_data->model;
+}
+
+CSmartPtr<CXmlObjectBase> CSchemaSet::CreateRoot(std::string const &name, std::string const &ns) const
+{
+    int const r = m_data->model.FindRoot(name, ns);
+    if (r < 0)
+    {
+        std::string const qualified = ns.empty() ? name : "{" + ns + "}" + name;
+        throw CMxException(FormatString("The element [%s] is not declared by the schema", qualified.c_str()));
+    }
+    RootElement const &root = m_data->model.roots[static_cast<std::size_t>(r)];
+    if (root.untyped)
+        return new CElement(name.c_str(), ns.c_str(), "##any", ns.c_str());
+    CSmartPtr<CXmlObjectBase> made = m_data->Make(root.classIndex, root.nillable, name.c_str(), ns);
+    static_cast<CDynamicObject *>(made.Get())->Init();
+    return made;
+}
+
+CSmartPtr<CXmlObjectBase> CSchemaSet::CreateFor(CXmlElement *root) const
+{
+    std::string const name = root->GetLocalName();
+    std::string const ns = root->GetNamespaceURI();
+    int const r = m_data->model.FindRoot(name, ns);
+    if (r >= 0 && !m_data->model.roots[static_cast<std::size_t>(r)].untyped &&
+        !Dynamic::Factory::GetElementType(root).empty())
+    {
+        RootElement const &decl = m_data->model.roots[static_cast<std::size_t>(r)];
+        Dynamic::AbsSlot const abs{m_data.get(), decl.classIndex, decl.nillable};
+        CSmartPtr<CXmlObjectBase> made = m_data->MakeSubstitute(abs, root);
+        if (made.IsNull())
+            throw CMxValidationException(
+                FormatString("Failed to find a suitable substitution element for [%s].", name.c_str()),
+                root->GetXPath());
+        return made;
+    }
+    return CreateRoot(name, ns);
+}
+
+namespace
+{
+// Parses XML text or Fast Infoset, maybe compressed, or JSON by its XML
+// translation, into `document`.
+void LoadDocument(CXmlDocument &document, CBinaryData const &bytes)
+{
+    CBinaryData plain(bytes);
+    Decompress(plain);
+    if (LooksLikeJson(plain))
+    {
+        CBinaryData xml = document.LoadJsonStream(plain.GetData(), plain.GetLength());
+        document.LoadXmlStream(xml.GetData(), xml.GetLength());
+    }
+    else
+        document.LoadXmlStream(plain.GetData(), plain.GetLength());
+    if (document.GetDocumentElement() == nullptr)
+        throw CMxException("The document has no root element");
+}
+
+CSmartPtr<CXmlObjectBase> ReadInto(CSmartPtr<CXmlObjectBase> made, CXmlElement *root,
+                                   CSerializationContext const &context)
+{
+    if (dynamic_cast<CElement *>(made.Get()) != nullptr)
+        // An untyped element reads the element at the cursor, not its children.
+        CXmlObjectBase::FromXml_Int(made, root, root, context);
+    else
+        made->FromXmlElement(root, context);
+    return made;
+}
+} // namespace
+
+CSmartPtr<CXmlObjectBase> CSchemaSet::Read(CBinaryData const &bytes, CSerializationContext const &context) const
+{
+    CXmlDocument document;
+    LoadDocument(document, bytes);
+    CXmlElement *root = document.GetDocumentElement();
+    return ReadInto(CreateFor(root), root, context);
+}
+
+CSmartPtr<CXmlObjectBase> ReadUntyped(CBinaryData const &bytes, CSerializationContext const &context)
+{
+    CXmlDocument document;
+    LoadDocument(document, bytes);
+    CXmlElement *root = document.GetDocumentElement();
+    return ReadInto(new CElement("document"), root, context);
+}
+
+bool LooksLikeJson(CBinaryData const &bytes)
+{
+    unsigned char const *p = bytes.GetData();
+    unsigned long const n = bytes.GetLength();
+    unsigned long i = 0;
+    // A UTF-8 byte order mark may stand first.
+    if (n >= 3 && p[0] == 0xEF && p[1] == 0xBB && p[2] == 0xBF)
+        i = 3;
+    for (; i < n; ++i)
+        if (p[i] != ' ' && p[i] != '\t' && p[i] != '\r' && p[i] != '\n')
+            return p[i] == '{';
+    return false;
+}
+
+} // namespace MxCompiler

