@@ -2,6 +2,7 @@
 
 #include "frontend/XsdFrontend.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstring>
@@ -658,9 +659,7 @@ CDynamicObject::CDynamicObject(std::shared_ptr<Dynamic::SetData const> set, int 
 {
     SetElementName(elementName);
     m_cells.resize(GetClass().properties.size());
-    for (std::size_t i = 0; i < m_cells.size(); ++i)
-        if (GetClass().properties[i].holds != Property::Holds::Value)
-            m_cells[i].SetXmlObject(nullptr);
+    Reset(false);
 }
 
 CDynamicObject::~CDynamicObject() = default;
@@ -700,7 +699,39 @@ std::string CDynamicObject::GetNamespace() const
     return GetClass().ns;
 }
 
+namespace
+{
+// A fixed attribute can hold one value only: a new object holds it already.
+void InitFixed(AttributeRow const &a, MxVariant &cell)
+{
+    if (!a.fixed || a.kind != AttributeRow::Kind::Prim)
+        return;
+    cell.FromString(a.defaultValue.c_str(), a.value.itemType, a.value.whitespace);
+}
+} // namespace
+
 void CDynamicObject::Init()
+{
+    Reset(true);
+}
+
+void CDynamicObject::InitTree(std::vector<int> &chain)
+{
+    Init();
+    chain.push_back(m_class);
+    for (MxVariant &cell : m_cells)
+    {
+        auto *child = cell.GetTypeAsEnum() == ItemType_XmlObject
+                          ? dynamic_cast<CDynamicObject *>(cell.GetXmlObject().Get())
+                          : nullptr;
+        // A type that must contain itself gets one level: no document can fill more.
+        if (child != nullptr && std::find(chain.begin(), chain.end(), child->m_class) == chain.end())
+            child->InitTree(chain);
+    }
+    chain.pop_back();
+}
+
+void CDynamicObject::Reset(bool makeMandatoryChildren)
 {
     ClassDef const &c = GetClass();
     int const setSlot = m_set->slot;
@@ -713,6 +744,8 @@ void CDynamicObject::Init()
         {
         case Property::Holds::Value:
             cell = MxVariant();
+            if (p.attribute >= 0)
+                InitFixed(c.attributes[static_cast<std::size_t>(p.attribute)], cell);
             break;
         case Property::Holds::Object:
         case Property::Holds::Element:
@@ -720,7 +753,9 @@ void CDynamicObject::Init()
             break;
         case Property::Holds::MandatoryObject:
             // Not initialised here: the object's own read starts with Init.
-            cell.SetXmlObject(m_set->Make(row->classIndex, row->nillable, row->name.c_str(), row->ns).Get());
+            cell.SetXmlObject(makeMandatoryChildren
+                                  ? m_set->Make(row->classIndex, row->nillable, row->name.c_str(), row->ns).Get()
+                                  : nullptr);
             break;
         case Property::Holds::ObjectCol:
         {
@@ -823,7 +858,8 @@ CSmartPtr<CXmlObjectBase> CSchemaSet::CreateRoot(std::string const &name, std::s
     if (root.untyped)
         return new CElement(name.c_str(), ns.c_str(), "##any", ns.c_str());
     CSmartPtr<CXmlObjectBase> made = m_data->Make(root.classIndex, root.nillable, name.c_str(), ns);
-    static_cast<CDynamicObject *>(made.Get())->Init();
+    std::vector<int> chain;
+    static_cast<CDynamicObject *>(made.Get())->InitTree(chain);
     return made;
 }
 

@@ -47,7 +47,12 @@ public:
     MxXmlLibData::CParentElementInfo *GetParentElementInfo() override;
     MxXmlLibData::CElementInfo **GetClassElementInfo() override;
     MxXmlLibData::CAttributeInfo **GetClassAttributeInfo() override;
+    // The empty state: values unset, collections empty, mandatory children
+    // made (but not filled in themselves: their own read does that).
     void Init() override;
+    // Init, and the same for every mandatory child, down to where a type
+    // would contain itself: an object that a program can fill and write.
+    void InitTree(std::vector<int> &chain);
     std::string GetNamespace() const override;
 
     CDynamicObject(std::shared_ptr<Dynamic::SetData const> set, int classIndex, char const *elementName,
@@ -58,6 +63,7 @@ protected:
     std::string GetTargetNamespace() const override { return m_elementNamespace; }
 
 private:
+    void Reset(bool makeMandatoryChildren);
     int PropertyIndex(std::string const &name) const;
 
     std::shared_ptr<Dynamic::SetData const> m_set;

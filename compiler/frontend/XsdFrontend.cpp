@@ -585,14 +585,18 @@ private:
         auto *simple = static_cast<XSSimpleTypeDefinition *>(type);
         row.value = ValueFor(simple, row.name);
         row.kind = row.value.enumeration >= 0 ? RowKind::Enum : RowKind::Prim;
-        if (row.occurs == Occurs::Col && row.nillable)
+        if (row.nillable)
         {
-            // The collections of primitives have no nil: each item becomes an
-            // object with the value as its text, which can be nil.
+            // A value row reads xsi:nil by storing nothing, which would lose
+            // the element: a nillable value becomes an object with the value
+            // as its text, and the object keeps the nil.
             int const cls = SimpleClass(simple, row.name, row.ns);
             row.kind = RowKind::Cls;
             row.classIndex = cls;
-            AddRow(index, row, Property::Holds::ObjectCol);
+            AddRow(index, row,
+                   row.occurs == Occurs::Col   ? Property::Holds::ObjectCol
+                   : row.occurs == Occurs::Mnd ? Property::Holds::MandatoryObject
+                                               : Property::Holds::Object);
             return;
         }
         AddRow(index, row,
@@ -683,11 +687,13 @@ private:
             {
                 row.hasDefault = true;
                 row.defaultValue = Utf8(use->getConstraintValue());
+                row.fixed = use->getConstraintType() == XSConstants::VALUE_CONSTRAINT_FIXED;
             }
             else if (decl->getConstraintType() != XSConstants::VALUE_CONSTRAINT_NONE)
             {
                 row.hasDefault = true;
                 row.defaultValue = Utf8(decl->getConstraintValue());
+                row.fixed = decl->getConstraintType() == XSConstants::VALUE_CONSTRAINT_FIXED;
             }
             AddAttributeRow(index, row, Property::Holds::Value);
         }

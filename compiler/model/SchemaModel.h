@@ -137,6 +137,7 @@ struct AttributeRow
     ValueType value;
     std::string defaultValue;
     bool hasDefault = false;
+    bool fixed = false; // the default is fixed: new objects start with it
     std::string namespaceRestriction; // Any
     std::string targetNamespace;      // Any
 };

@@ -1,0 +1,251 @@
+// The run-time back end: a schema loaded at run time must bind exactly as the
+// hand-written model of the same schema does, keep every construct of a
+// document, refuse what it cannot express with a clear message, and keep two
+// loaded sets apart.
+
+#include "compiler/CompilerTestSupport.h"
+
+#include "dynamic/DynamicSchema.h"
+#include "frontend/XsdFrontend.h"
+#include "model/PurchaseOrder.h"
+
+#include "MxXmlLib.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using namespace MxXmlLib;
+using MxCompiler::CDynamicObject;
+using MxCompiler::CSchemaSet;
+using MxCompilerTest::ReadFile;
+using MxCompilerTest::WriteTemp;
+using MxCompilerTest::XercesValidate;
+
+namespace
+{
+
+std::string const kPoSchema = MX_EXAMPLE_DATA_DIR "/purchase-order.xsd";
+
+CBinaryData Bytes(std::string const &text)
+{
+    return CBinaryData(reinterpret_cast<unsigned char *>(const_cast<char *>(text.data())),
+                       static_cast<unsigned long>(text.size()), false);
+}
+
+std::string Text(CBinaryData const &data)
+{
+    return std::string(reinterpret_cast<char const *>(data.GetData()), data.GetLength());
+}
+
+// A purchase order with every branch of the schema: both addresses, the
+// comment, items with a ship date, a pickup, neither, and text to escape.
+std::string LargeOrder(int items)
+{
+    std::string xml = "<po:purchaseOrder xmlns:po='urn:example:po' orderDate='2026-11-22' status='closed'>"
+                      "<po:shipTo country='US'><po:name>A &amp; B</po:name><po:street>1 Main</po:street>"
+                      "<po:city>X</po:city><po:state>CA</po:state><po:zip>90952-1234</po:zip></po:shipTo>"
+                      "<po:billTo><po:name>C</po:name><po:street>2</po:street><po:city>Y</po:city>"
+                      "<po:state>PA</po:state><po:zip>95819</po:zip></po:billTo>"
+                      "<po:comment>&lt;quoted&gt; \"text\"</po:comment><po:items>";
+    for (int i = 0; i < items; ++i)
+    {
+        xml += "<po:item partNum='" + std::to_string(100 + i % 900) + "-AB'><po:productName>P" + std::to_string(i) +
+               "</po:productName><po:quantity>" + std::to_string(1 + i % 99) + "</po:quantity><po:USPrice>" +
+               std::to_string(i) + ".5</po:USPrice>";
+        if (i % 4 == 1)
+            xml += "<po:comment>c</po:comment>";
+        if (i % 3 == 0)
+            xml += "<po:shipDate>2026-12-0" + std::to_string(1 + i % 9) + "</po:shipDate>";
+        else if (i % 3 == 1)
+            xml += "<po:pickup>Store " + std::to_string(i) + "</po:pickup>";
+        xml += "</po:item>";
+    }
+    return xml + "</po:items></po:purchaseOrder>";
+}
+
+// Long texts differ in one place at most: say where, with a little context.
+void ExpectSameText(std::string const &expected, std::string const &actual)
+{
+    if (expected == actual)
+        return;
+    std::size_t at = 0;
+    while (at < expected.size() && at < actual.size() && expected[at] == actual[at])
+        ++at;
+    std::size_t const from = at < 40 ? 0 : at - 40;
+    ADD_FAILURE() << "texts differ at byte " << at << " of " << expected.size() << "/" << actual.size()
+                  << "\nexpected: " << ::testing::PrintToString(expected.substr(from, 100))
+                  << "\nactual:   " << ::testing::PrintToString(actual.substr(from, 100));
+}
+
+class DynamicSchemaTest : public ::testing::Test
+{
+protected:
+    static void SetUpTestSuite() { Register(16, 1); }
+};
+
+// The loaded schema and the hand-written classes describe the same content
+// model, so every output format must agree byte for byte.
+TEST_F(DynamicSchemaTest, PurchaseOrderBindsAsTheHandWrittenModel)
+{
+    CSchemaSet const set = CSchemaSet::Load({kPoSchema});
+    std::vector<std::string> const documents = {ReadFile(MX_EXAMPLE_DATA_DIR "/purchase-order.xml"), LargeOrder(40)};
+    for (std::string const &xml : documents)
+    {
+        SCOPED_TRACE(xml.substr(0, 80));
+        CSerializationContext const &context = CSerializationContext::GetDefaultContext();
+        CSmartPtr<CXmlObjectBase> dynamic = set.Read(Bytes(xml), context);
+        CSmartPtr<Example::CPurchaseOrder> written(new Example::CPurchaseOrder);
+        written->FromXml(xml.c_str());
+
+        ExpectSameText(written->ToXml(true, true), dynamic->ToXml(true, true));
+        ExpectSameText(written->ToXml(false, false), dynamic->ToXml(false, false));
+        ExpectSameText(written->ToJson(), dynamic->ToJson());
+        ExpectSameText(Text(written->ToFastInfosetStream()), Text(dynamic->ToFastInfosetStream()));
+        EXPECT_EQ("", XercesValidate({kPoSchema}, dynamic->ToXml()));
+    }
+}
+
+// A failure reads the same, message, path and chain, as in the hand-written model.
+TEST_F(DynamicSchemaTest, FailuresMatchTheHandWrittenModel)
+{
+    CSchemaSet const set = CSchemaSet::Load({kPoSchema});
+    std::string const good = LargeOrder(2);
+    struct Case
+    {
+        char const *name;
+        std::string xml;
+    };
+    std::vector<Case> const cases = {
+        {"valid document", good},
+        {"unknown element", [&] {
+             std::string x = good;
+             return x.replace(x.find("<po:comment>"), 0, "<po:extra/>");
+         }()},
+        {"bad date", [&] {
+             std::string x = good;
+             return x.replace(x.find("2026-11-22"), 10, "2026-13-22");
+         }()},
+        {"bad pattern", [&] {
+             std::string x = good;
+             return x.replace(x.find("100-AB"), 6, "10-AB");
+         }()},
+        {"missing attribute", [&] {
+             std::string x = good;
+             return x.replace(x.find("orderDate='2026-11-22'"), 22, "");
+         }()},
+        {"unknown enumeration", [&] {
+             std::string x = good;
+             return x.replace(x.find("'closed'"), 8, "'lost'");
+         }()},
+    };
+    for (Case const &c : cases)
+    {
+        SCOPED_TRACE(c.name);
+        std::string expected = "(none)", actual = "(none)";
+        try
+        {
+            CSmartPtr<Example::CPurchaseOrder> written(new Example::CPurchaseOrder);
+            written->FromXml(c.xml.c_str());
+        }
+        catch (CMxException const &e)
+        {
+            expected = e.GetFullMessage();
+        }
+        try
+        {
+            set.Read(Bytes(c.xml), CSerializationContext::GetDefaultContext());
+        }
+        catch (CMxException const &e)
+        {
+            actual = e.GetFullMessage();
+        }
+        EXPECT_EQ(expected, actual);
+    }
+}
+
+TEST_F(DynamicSchemaTest, PropertiesByName)
+{
+    CSchemaSet const set = CSchemaSet::Load({kPoSchema});
+    CSmartPtr<CXmlObjectBase> root = set.CreateRoot("purchaseOrder", "urn:example:po");
+    auto *order = dynamic_cast<CDynamicObject *>(root.Get());
+    ASSERT_NE(nullptr, order);
+    EXPECT_EQ("PurchaseOrderType", order->GetClass().identifier);
+
+    MxVariant date;
+    date.FromString("2026-01-02", ItemType_date, CWhitespaceUtils::WhitespaceRule::Collapse);
+    order->Set("orderDate", date);
+    auto *shipTo = dynamic_cast<CDynamicObject *>(order->GetObject("shipTo"));
+    ASSERT_NE(nullptr, shipTo);
+    for (char const *field : {"name", "street", "city", "state"})
+    {
+        MxVariant text;
+        text.SetString(field);
+        shipTo->Set(field, text);
+    }
+    MxVariant zip;
+    zip.SetString("12345");
+    shipTo->Set("zip", zip);
+    EXPECT_EQ("12345", shipTo->Get("zip").GetString());
+    EXPECT_EQ("<AA:purchaseOrder xmlns:AA=\"urn:example:po\" orderDate=\"2026-01-02\"><AA:shipTo country=\"US\"><AA:name>name"
+              "</AA:name><AA:street>street</AA:street><AA:city>city</AA:city><AA:state>state</AA:state><AA:zip>"
+              "12345</AA:zip></AA:shipTo><AA:items/></AA:purchaseOrder>",
+              root->ToXml(false, false));
+
+    try
+    {
+        order->Get("nothing");
+        FAIL() << "no exception";
+    }
+    catch (CMxException const &e)
+    {
+        EXPECT_EQ("Unknown property [nothing] of class [PurchaseOrderType]", e.GetMessage());
+    }
+}
+
+// Two sets with the same names in the same namespace and different content:
+// each reads only its own documents, and one outlives the other.
+TEST_F(DynamicSchemaTest, LoadedSetsAreIsolated)
+{
+    auto schema = [](char const *content) {
+        return std::string("<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' targetNamespace='urn:t' "
+                           "xmlns:t='urn:t' elementFormDefault='qualified'><xs:element name='r' type='t:T'/>"
+                           "<xs:complexType name='T'><xs:sequence>") +
+               content + "</xs:sequence></xs:complexType></xs:schema>";
+    };
+    std::string const a = WriteTemp("iso-a.xsd", schema("<xs:element name='a' type='xs:int'/>"));
+    std::string const b = WriteTemp("iso-b.xsd", schema("<xs:element name='b' type='xs:string'/>"));
+    std::string const docA = "<r xmlns='urn:t'><a>7</a></r>";
+    std::string const docB = "<r xmlns='urn:t'><b>x</b></r>";
+    CSerializationContext const &context = CSerializationContext::GetDefaultContext();
+
+    CSmartPtr<CXmlObjectBase> keptFromA;
+    {
+        CSchemaSet const setA = CSchemaSet::Load({a});
+        CSchemaSet const setB = CSchemaSet::Load({b});
+        keptFromA = setA.Read(Bytes(docA), context);
+        EXPECT_EQ("<AA:r xmlns:AA=\"urn:t\"><AA:b>x</AA:b></AA:r>", setB.Read(Bytes(docB), context)->ToXml(false, false));
+        EXPECT_THROW(setB.Read(Bytes(docA), context), CMxException);
+        EXPECT_THROW(setA.Read(Bytes(docB), context), CMxException);
+    }
+    // The set's handles are gone; its object still reads and writes.
+    keptFromA->FromXml("<r xmlns='urn:t'><a>8</a></r>");
+    EXPECT_EQ("<AA:r xmlns:AA=\"urn:t\"><AA:a>8</AA:a></AA:r>", keptFromA->ToXml(false, false));
+}
+
+TEST_F(DynamicSchemaTest, UndeclaredRootIsNamed)
+{
+    CSchemaSet const set = CSchemaSet::Load({kPoSchema});
+    try
+    {
+        set.Read(Bytes("<order xmlns='urn:example:po'/>"), CSerializationContext::GetDefaultContext());
+        FAIL() << "no exception";
+    }
+    catch (CMxException const &e)
+    {
+        EXPECT_EQ("The element [{urn:example:po}order] is not declared by the schema", e.GetMessage());
+    }
+}
+
+} // namespace
