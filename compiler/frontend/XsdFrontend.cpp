@@ -486,7 +486,9 @@ private:
         c.group = group;
         // Inline content sees its parent's attributes: they are not its to refuse.
         c.failIfAttributeUnknown = false;
-        c.origin = "a group inside " + Class(parent).origin;
+        // Nested groups name the class they stand in, not each other.
+        c.origin = Class(parent).shape == ClassShape::PseudoGroup ? Class(parent).origin
+                                                                  : "a group inside " + Class(parent).origin;
         m_model.classes.push_back(c);
         return static_cast<int>(m_model.classes.size()) - 1;
     }
