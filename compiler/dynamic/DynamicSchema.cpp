@@ -2,6 +2,8 @@
 
 #include "frontend/XsdFrontend.h"
 
+#include "collections/GeneratedCollections.h"
+
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -188,110 +190,6 @@ constexpr auto kMakeByElement = MakeByElementTable(std::make_index_sequence<kThu
 
 // ---------------------------------------------------------------------------
 // Collections of the loaded classes
-
-// Items of a real element are the siblings of the collection's name, each
-// made by number or, when substitutable, by the element; inline items read
-// on from the cursor while they take something.
-class CObjectCol : public CXmlCollection
-{
-public:
-    CObjectCol(char const *elementName, char const *ns, int minOccurs, int maxOccurs, int classId,
-               CClassfactoryBase::FactoryByElement byElement, bool inlineItems)
-        : CXmlCollection(elementName, ns, minOccurs, maxOccurs), m_classId(classId), m_byElement(byElement),
-          m_inlineItems(inlineItems)
-    {
-    }
-    CXmlObjectBase *GetBase() override { return this; }
-    using CXmlObjectBase::GetBase;
-
-protected:
-    ~CObjectCol() override = default;
-
-    void ToXml_Int(CXmlWriter *writer, bool, char const *namespaceUri, CSerializationContext const &context,
-                   bool) const override
-    {
-        for (CNode *node = GetFirstNode(); node; node = node->next)
-            CXmlObjectBase::ToXml_Int(node->item, writer, false, namespaceUri, context, false);
-    }
-
-    CXmlElement *FromXml_Int(CXmlElement *parent, CXmlElement *current, CSerializationContext const &context,
-                             bool) override
-    {
-        std::string const name = GetElementName();
-        std::string const ns = GetNamespace();
-        while (current != nullptr)
-        {
-            if (m_inlineItems)
-            {
-                CSmartPtr<CXmlObjectBase> item = MakeByNumber(m_classId, name.c_str());
-                CXmlElement *const next = CXmlObjectBase::FromXml_Int(item, parent, current, context, false);
-                if (next == current)
-                    break;
-                AppendItem(item);
-                current = next;
-                continue;
-            }
-            if (!DoesElementNameMatch(context, current, name.c_str(), ns.c_str()))
-                break;
-            CSmartPtr<CXmlObjectBase> item =
-                m_byElement ? m_byElement(current) : MakeByNumber(m_classId, name.c_str());
-            if (item.IsNull())
-                throw CMxValidationException(
-                    FormatString("Failed to find a suitable substitution element for [%s].", name.c_str()),
-                    current->GetXPath());
-            CXmlObjectBase::FromXml_Int(item, current, current->GetFirstElement(), context, false);
-            AppendItem(item);
-            current = current->GetNextSiblingElement();
-        }
-        return current;
-    }
-
-private:
-    int m_classId;
-    CClassfactoryBase::FactoryByElement m_byElement;
-    bool m_inlineItems;
-};
-
-// Repeated enumeration values, named by a function pair.
-class CEnumCol : public CXmlTypeCollection
-{
-public:
-    CEnumCol(char const *elementName, char const *ns, int minOccurs, int maxOccurs, CElementInfo::EnumToString toString,
-             CElementInfo::StringToEnum fromString, WhitespaceRule rule)
-        : CXmlTypeCollection(ItemType_string, elementName, ns, minOccurs, maxOccurs, nullptr, -1, -1, nullptr, nullptr,
-                             nullptr, nullptr, -1, -1, -1, rule, nullptr),
-          m_toString(toString), m_fromString(fromString)
-    {
-    }
-    CXmlObjectBase *GetBase() override { return this; }
-    using CXmlObjectBase::GetBase;
-    int GetCount() const override { return static_cast<int>(m_items.size()); }
-    void Clear() override { m_items.clear(); }
-    void Remove(int index) override { m_items.erase(m_items.begin() + index); }
-    void Add(int value) { m_items.push_back(value); }
-
-protected:
-    ~CEnumCol() override = default;
-    void AddFromString(std::string text) override
-    {
-        m_items.push_back(m_fromString(CWhitespaceUtils::ApplyRule(GetWhitespaceRule(), text).c_str()));
-    }
-    void ToXml_Int(CXmlWriter *writer, bool, char const *, CSerializationContext const &context, bool) const override
-    {
-        ValidateCount(context);
-        for (int item : m_items)
-        {
-            writer->StartElement(GetElementName(), GetNamespace());
-            writer->WriteText(m_toString(item), ItemType_string, false);
-            writer->EndElement();
-        }
-    }
-
-private:
-    CElementInfo::EnumToString m_toString;
-    CElementInfo::StringToEnum m_fromString;
-    std::vector<int> m_items;
-};
 
 template <typename Col> CXmlObjectBase *NewValueCol(ElementRow const &row)
 {
@@ -765,10 +663,10 @@ void CDynamicObject::Reset(bool makeMandatoryChildren)
                     if (m_set->absSlots[s]->baseClass == row->classIndex &&
                         m_set->absSlots[s]->nillable == row->nillable)
                         byElement = Dynamic::kMakeByElement[static_cast<std::size_t>(m_set->absSlotNumbers[s])];
-            cell.SetXmlObject(new Dynamic::CObjectCol(row->name.c_str(), row->ns.c_str(), row->minOccurs,
-                                                      row->maxOccurs,
-                                                      Dynamic::ClassNumber(setSlot, row->classIndex, row->nillable),
-                                                      byElement, row->childShape == ClassShape::PseudoGroup));
+            cell.SetXmlObject(new CObjectCol(row->name.c_str(), row->ns.c_str(), row->minOccurs, row->maxOccurs,
+                                             &Dynamic::MakeByNumber,
+                                             Dynamic::ClassNumber(setSlot, row->classIndex, row->nillable), byElement,
+                                             row->childShape == ClassShape::PseudoGroup));
             break;
         }
         case Property::Holds::ValueCol:
@@ -777,7 +675,7 @@ void CDynamicObject::Reset(bool makeMandatoryChildren)
         case Property::Holds::EnumCol:
         {
             auto const s = static_cast<std::size_t>(m_set->enumSlots[static_cast<std::size_t>(row->value.enumeration)]);
-            cell.SetXmlObject(new Dynamic::CEnumCol(row->name.c_str(), row->ns.c_str(), row->minOccurs, row->maxOccurs,
+            cell.SetXmlObject(new CEnumCol(row->name.c_str(), row->ns.c_str(), row->minOccurs, row->maxOccurs,
                                                     Dynamic::kEnumToString[s], Dynamic::kEnumFromString[s],
                                                     row->value.whitespace));
             break;
