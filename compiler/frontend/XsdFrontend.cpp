@@ -1,5 +1,6 @@
 #include "frontend/XsdFrontend.h"
 
+#include <xercesc/dom/DOMException.hpp>
 #include <xercesc/framework/XMLGrammarPoolImpl.hpp>
 #include <xercesc/framework/psvi/XSAttributeDeclaration.hpp>
 #include <xercesc/framework/psvi/XSAttributeUse.hpp>
@@ -904,6 +905,11 @@ Model LoadSchemaModel(std::vector<std::string> const &files)
         }
         catch (SAXException const &e)
         {
+            throw CSchemaError(file + ": " + Utf8(e.getMessage()));
+        }
+        catch (DOMException const &e)
+        {
+            // Xerces raises this one from its schema reader for a bad XML declaration.
             throw CSchemaError(file + ": " + Utf8(e.getMessage()));
         }
     }
