@@ -20,28 +20,10 @@ CPrimitiveRestrictions NoFacets()
     return CPrimitiveRestrictions(nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1, -1, -1);
 }
 
-// The tables of one class: built on first use under the class lock, shared
-// by all its objects, released by CleanMetaData.
-struct Tables
-{
-    CParentElementInfo *info = nullptr;
-    CElementInfo **elements = nullptr;
-    CAttributeInfo **attributes = nullptr;
-};
-
-template <typename Build> Tables &Ensure(Tables &tables, Build build)
-{
-    if (tables.info == nullptr)
-    {
-        CXmlGeneratedClass::m_csInit.Enter();
-        if (tables.info == nullptr)
-            build(tables);
-        CXmlGeneratedClass::m_csInit.Leave();
-    }
-    return tables;
-}
-
-Tables g_address, g_delivery, g_item, g_items, g_order;
+// The tables of each class: built once under the class lock, published
+// whole, shared by all its objects, released by CleanMetaData.
+using Tables = CClassTables::Rows;
+CClassTables g_address, g_delivery, g_item, g_items, g_order;
 
 // Property functions: an unset optional value leaves the cell at type 0.
 void StringProperty(bool read, MxVariant &value, std::string &field)
@@ -172,19 +154,19 @@ static void BuildAddress(Tables &t)
 
 CParentElementInfo *CUSAddress::GetParentElementInfo()
 {
-    return Ensure(g_address, BuildAddress).info;
+    return g_address.Get(BuildAddress).info;
 }
 CElementInfo **CUSAddress::GetClassElementInfo()
 {
-    return Ensure(g_address, BuildAddress).elements;
+    return g_address.Get(BuildAddress).elements;
 }
 CAttributeInfo **CUSAddress::GetClassAttributeInfo()
 {
-    return Ensure(g_address, BuildAddress).attributes;
+    return g_address.Get(BuildAddress).attributes;
 }
 void CUSAddress::CleanMetaData()
 {
-    CXmlGeneratedClass::CleanMetaData(g_address.info, g_address.elements, g_address.attributes);
+    g_address.Clean();
 }
 
 // ---------------------------------------------------------------------------
@@ -237,19 +219,19 @@ static void BuildDelivery(Tables &t)
 
 CParentElementInfo *CDelivery::GetParentElementInfo()
 {
-    return Ensure(g_delivery, BuildDelivery).info;
+    return g_delivery.Get(BuildDelivery).info;
 }
 CElementInfo **CDelivery::GetClassElementInfo()
 {
-    return Ensure(g_delivery, BuildDelivery).elements;
+    return g_delivery.Get(BuildDelivery).elements;
 }
 CAttributeInfo **CDelivery::GetClassAttributeInfo()
 {
-    return Ensure(g_delivery, BuildDelivery).attributes;
+    return g_delivery.Get(BuildDelivery).attributes;
 }
 void CDelivery::CleanMetaData()
 {
-    CXmlGeneratedClass::CleanMetaData(g_delivery.info, g_delivery.elements, g_delivery.attributes);
+    g_delivery.Clean();
 }
 
 // ---------------------------------------------------------------------------
@@ -332,19 +314,19 @@ static void BuildItem(Tables &t)
 
 CParentElementInfo *CItem::GetParentElementInfo()
 {
-    return Ensure(g_item, BuildItem).info;
+    return g_item.Get(BuildItem).info;
 }
 CElementInfo **CItem::GetClassElementInfo()
 {
-    return Ensure(g_item, BuildItem).elements;
+    return g_item.Get(BuildItem).elements;
 }
 CAttributeInfo **CItem::GetClassAttributeInfo()
 {
-    return Ensure(g_item, BuildItem).attributes;
+    return g_item.Get(BuildItem).attributes;
 }
 void CItem::CleanMetaData()
 {
-    CXmlGeneratedClass::CleanMetaData(g_item.info, g_item.elements, g_item.attributes);
+    g_item.Clean();
 }
 
 // ---------------------------------------------------------------------------
@@ -403,19 +385,19 @@ static void BuildItems(Tables &t)
 
 CParentElementInfo *CItems::GetParentElementInfo()
 {
-    return Ensure(g_items, BuildItems).info;
+    return g_items.Get(BuildItems).info;
 }
 CElementInfo **CItems::GetClassElementInfo()
 {
-    return Ensure(g_items, BuildItems).elements;
+    return g_items.Get(BuildItems).elements;
 }
 CAttributeInfo **CItems::GetClassAttributeInfo()
 {
-    return Ensure(g_items, BuildItems).attributes;
+    return g_items.Get(BuildItems).attributes;
 }
 void CItems::CleanMetaData()
 {
-    CXmlGeneratedClass::CleanMetaData(g_items.info, g_items.elements, g_items.attributes);
+    g_items.Clean();
 }
 
 // ---------------------------------------------------------------------------
@@ -500,19 +482,19 @@ static void BuildOrder(Tables &t)
 
 CParentElementInfo *CPurchaseOrder::GetParentElementInfo()
 {
-    return Ensure(g_order, BuildOrder).info;
+    return g_order.Get(BuildOrder).info;
 }
 CElementInfo **CPurchaseOrder::GetClassElementInfo()
 {
-    return Ensure(g_order, BuildOrder).elements;
+    return g_order.Get(BuildOrder).elements;
 }
 CAttributeInfo **CPurchaseOrder::GetClassAttributeInfo()
 {
-    return Ensure(g_order, BuildOrder).attributes;
+    return g_order.Get(BuildOrder).attributes;
 }
 void CPurchaseOrder::CleanMetaData()
 {
-    CXmlGeneratedClass::CleanMetaData(g_order.info, g_order.elements, g_order.attributes);
+    g_order.Clean();
 }
 
 void CleanAllMetaData()

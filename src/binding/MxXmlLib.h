@@ -24,6 +24,7 @@
 #include "values/Variant.h"
 #include "values/WhitespaceUtils.h"
 #include "binding/XmlGeneratedClass.h"
+#include "binding/ClassTables.h"
 #include "metadata/AttributeInfo.h"
 #include "metadata/ClassFactory.h"
 #include "metadata/ElementInfo.h"

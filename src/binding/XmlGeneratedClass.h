@@ -47,7 +47,8 @@ public:
     // Brings the object to its empty state; every read starts with it.
     virtual void Init() = 0;
 
-    // Held by generated code while it builds its tables on first use.
+    // Held while a class's tables are built on first use; generated code
+    // takes it through CClassTables (binding/ClassTables.h).
     static CMXCriticalSection m_csInit;
 
 protected:
@@ -70,6 +71,8 @@ protected:
                               MxXmlLibData::CAttributeInfo **&attributes);
 
 private:
+    friend class CClassTables; // releases a failed or finished build
+
     // The table functions are not const in the generated interface; the
     // tables themselves never change once built.
     CXmlGeneratedClass *Self() const { return const_cast<CXmlGeneratedClass *>(this); }

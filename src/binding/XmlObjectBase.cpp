@@ -18,6 +18,8 @@
 #include "runtime/MxException.h"
 #include "runtime/platform/Platform.h"
 
+#include <atomic>
+
 namespace MxXmlLib
 {
 
@@ -28,7 +30,8 @@ constexpr int kRuntimeMinor = 1;
 
 int g_generatorMajor = 0;
 int g_generatorMinor = 0;
-bool g_versionWarned = false;
+// Objects are made on any thread; the first of them looks at the version.
+std::atomic<bool> g_versionWarned{false};
 bool g_asyncToXmlFile = false;
 bool g_asyncFromXmlFile = false;
 
@@ -81,9 +84,9 @@ CXmlObjectBase::CXmlObjectBase() : m_refCount(0)
 {
     // The constructor only warns, and only once a process: objects may be
     // built before the generated code has registered its version.
-    if (!g_versionWarned)
+    // The plain load keeps the common case free of a shared write.
+    if (!g_versionWarned.load(std::memory_order_relaxed) && !g_versionWarned.exchange(true))
     {
-        g_versionWarned = true;
         if (!VersionMatches())
             WarnVersion();
     }
@@ -399,6 +402,11 @@ void CXmlObjectBase::FromXmlElement(CElement const *element, CSerializationConte
     CheckVersion();
     if (element == nullptr)
         throw CMxInvalidParamException("The element to read from is NULL.");
+    // The text is written under the default context on purpose: the caller's
+    // output options (aliases, processing instructions, root attributes) must
+    // not reshape the input. Writing an untyped element only reads a context,
+    // so concurrent calls may share the default one; the caller's context
+    // governs the reading.
     std::string const text = element->ToXml(false, false, LF, CSerializationContext::GetDefaultContext());
     FromXml(text.c_str(), context);
 }

@@ -143,7 +143,11 @@ CSmartPtr<CElementCol> CElement::GetChildElements() const
 
 void CElement::FromXml(char const *xml)
 {
-    CSerializationContext const &context = CSerializationContext::GetDefaultContext();
+    FromXmlDocument(xml, CSerializationContext::GetDefaultContext());
+}
+
+void CElement::FromXmlDocument(char const *xml, CSerializationContext const &context)
+{
     CXmlDocument document(context);
     document.LoadXml(xml);
     CXmlElement *root = document.GetDocumentElement();

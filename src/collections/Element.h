@@ -48,8 +48,14 @@ public:
     // Parses `xml` and reads its document element into this element, under
     // the default context. Attributes and children add to those present.
     // (It hides the inherited forms, which would read the document element's
-    // first child rather than the document element.)
+    // first child rather than the document element.) Reading XML text only
+    // reads a context, so threads may share the default one while nobody
+    // changes it.
     void FromXml(char const *xml);
+    // The same under the caller's context. A name of its own: a second
+    // FromXml with a context would override the inherited virtual form and
+    // change what that form reads.
+    void FromXmlDocument(char const *xml, CSerializationContext const &context);
 
     // Tests this element, its attributes and, recursively, its children
     // against another wildcard, storing nothing. A failure of the element

@@ -26,6 +26,16 @@ struct CBinaryData::Block
     // capacity for every buffer this class allocates, so that the byte behind
     // the data exists; only `length` for a buffer adopted from the caller.
     std::size_t allocated;
+
+    // Other threads may copy or release handles of the same block at any
+    // moment, so even a read of the count takes the lock.
+    std::int32_t Count()
+    {
+        lock.Enter();
+        std::int32_t const count = refCount;
+        lock.Leave();
+        return count;
+    }
 };
 
 namespace
@@ -177,9 +187,7 @@ CBinaryData::Block *CBinaryData::CopyOf(unsigned char const *data, unsigned long
 
 void CBinaryData::Unshare()
 {
-    // The count is read without the lock: a handle being shared at this very
-    // moment on another thread needs the caller's care anyway.
-    if (!block || block->refCount < 2)
+    if (!block || block->Count() < 2)
         return;
     Block *const copy = CopyOf(block->data, block->length);
     Block *const old = block;
@@ -196,8 +204,9 @@ void CBinaryData::Unshare()
 
 void CBinaryData::AppendToBlock(unsigned char const *data, unsigned long length)
 {
-    if (block->refCount >= 2)
-        throw CMxException(FormatString("Failed to append. [RefCount=%d]", block->refCount));
+    std::int32_t const count = block->Count();
+    if (count >= 2)
+        throw CMxException(FormatString("Failed to append. [RefCount=%d]", count));
     unsigned long long const total = static_cast<unsigned long long>(block->length) + length;
     CheckLength(total);
     if (total > block->capacity)

@@ -51,16 +51,6 @@ public:
     static MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> MakeTile(MxXmlLib::CXmlElement *element);
 };
 
-// Holds the tables' lock for one scope.
-class CInitLock
-{
-public:
-    CInitLock() { MxXmlLib::CXmlGeneratedClass::m_csInit.Enter(); }
-    ~CInitLock() { MxXmlLib::CXmlGeneratedClass::m_csInit.Leave(); }
-    CInitLock(CInitLock const &) = delete;
-    CInitLock &operator=(CInitLock const &) = delete;
-};
-
 // A generated collection of objects: items of a real element are the
 // siblings of the collection's name, each made by number or, for a
 // substitutable class, by the element; inline items read on from the cursor
@@ -136,16 +126,11 @@ void AccessObject(bool read, MxXmlLib::MxVariant &value, MxXmlLib::CSmartPtr<T> 
 }
 
 // The static tables of one generated class.
-struct CTables
-{
-    MxXmlLibData::CParentElementInfo *info = nullptr;
-    MxXmlLibData::CElementInfo **elements = nullptr;
-    MxXmlLibData::CAttributeInfo **attributes = nullptr;
-};
+using CTables = MxXmlLib::CClassTables::Rows;
 
 // What every generated class of the model writes the same way: its tables,
-// built by `Derived::BuildTables` on first use under m_csInit and shared by
-// all its objects, and released by CleanMetaData.
+// built by `Derived::BuildTables` on first use and shared by all its objects
+// (CClassTables), and released by CleanMetaData.
 template <typename Derived> class CGenerated : public MxXmlLib::CXmlGeneratedClass
 {
 public:
@@ -156,26 +141,16 @@ public:
     MxXmlLibData::CElementInfo **GetClassElementInfo() override { return Tables().elements; }
     MxXmlLibData::CAttributeInfo **GetClassAttributeInfo() override { return Tables().attributes; }
 
-    static void CleanMetaData()
-    {
-        CInitLock lock;
-        MxXmlLib::CXmlGeneratedClass::CleanMetaData(s_tables.info, s_tables.elements, s_tables.attributes);
-    }
-    static bool TablesBuilt() { return s_tables.info != nullptr; }
+    static void CleanMetaData() { s_tables.Clean(); }
+    static bool TablesBuilt() { return s_tables.IsBuilt(); }
 
 protected:
     ~CGenerated() override = default;
     std::string GetTargetNamespace() const override { return kNs; }
 
 private:
-    static CTables &Tables()
-    {
-        CInitLock lock;
-        if (s_tables.info == nullptr)
-            Derived::BuildTables(s_tables);
-        return s_tables;
-    }
-    static inline CTables s_tables;
+    static CTables const &Tables() { return s_tables.Get(&Derived::BuildTables); }
+    static inline MxXmlLib::CClassTables s_tables;
 };
 
 // No facets at all.
