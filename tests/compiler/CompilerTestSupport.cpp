@@ -1,5 +1,6 @@
 #include "compiler/CompilerTestSupport.h"
 
+#include <gtest/gtest.h>
 #include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/framework/XMLGrammarPoolImpl.hpp>
 #include <xercesc/sax/ErrorHandler.hpp>
@@ -126,6 +127,46 @@ std::string XercesValidate(std::vector<std::string> const &schemas, std::string 
     MemBufInputSource input(reinterpret_cast<XMLByte const *>(xml.data()), xml.size(), "output");
     parser->parse(input);
     return errors.text;
+}
+
+// A purchase order with every branch of the schema: both addresses, the
+// comment, items with a ship date, a pickup, neither, and text to escape.
+std::string LargeOrder(int items)
+{
+    std::string xml = "<po:purchaseOrder xmlns:po='urn:example:po' orderDate='2026-11-22' status='closed'>"
+                      "<po:shipTo country='US'><po:name>A &amp; B</po:name><po:street>1 Main</po:street>"
+                      "<po:city>X</po:city><po:state>CA</po:state><po:zip>90952-1234</po:zip></po:shipTo>"
+                      "<po:billTo><po:name>C</po:name><po:street>2</po:street><po:city>Y</po:city>"
+                      "<po:state>PA</po:state><po:zip>95819</po:zip></po:billTo>"
+                      "<po:comment>&lt;quoted&gt; \"text\"</po:comment><po:items>";
+    for (int i = 0; i < items; ++i)
+    {
+        xml += "<po:item partNum='" + std::to_string(100 + i % 900) + "-AB'><po:productName>P" + std::to_string(i) +
+               "</po:productName><po:quantity>" + std::to_string(1 + i % 99) + "</po:quantity><po:USPrice>" +
+               std::to_string(i) + ".5</po:USPrice>";
+        if (i % 4 == 1)
+            xml += "<po:comment>c</po:comment>";
+        if (i % 3 == 0)
+            xml += "<po:shipDate>2026-12-0" + std::to_string(1 + i % 9) + "</po:shipDate>";
+        else if (i % 3 == 1)
+            xml += "<po:pickup>Store " + std::to_string(i) + "</po:pickup>";
+        xml += "</po:item>";
+    }
+    return xml + "</po:items></po:purchaseOrder>";
+}
+
+// Long texts differ in one place at most: say where, with a little context.
+void ExpectSameText(std::string const &expected, std::string const &actual)
+{
+    if (expected == actual)
+        return;
+    std::size_t at = 0;
+    while (at < expected.size() && at < actual.size() && expected[at] == actual[at])
+        ++at;
+    std::size_t const from = at < 40 ? 0 : at - 40;
+    ADD_FAILURE() << "texts differ at byte " << at << " of " << expected.size() << "/" << actual.size()
+                  << "\nexpected: " << ::testing::PrintToString(expected.substr(from, 100))
+                  << "\nactual:   " << ::testing::PrintToString(actual.substr(from, 100));
 }
 
 RunResult RunMx(std::vector<std::string> const &args, std::string const &input)

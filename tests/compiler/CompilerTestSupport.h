@@ -20,6 +20,13 @@ std::string ReadFile(std::string const &path);
 // string when valid, otherwise the first error with line and column.
 std::string XercesValidate(std::vector<std::string> const &schemas, std::string const &xml);
 
+// A purchase order with every branch of the example schema: both addresses,
+// the comment, items with a ship date, a pickup, neither, and text to escape.
+std::string LargeOrder(int items);
+// Long texts differ in one place at most: the failure says where, with a
+// little context on each side.
+void ExpectSameText(std::string const &expected, std::string const &actual);
+
 struct RunResult
 {
     int status = -1;

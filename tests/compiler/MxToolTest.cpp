@@ -24,6 +24,7 @@ std::string const kUsage =
     "usage: mx convert [--schema S.xsd]... [--to xml|json|fi] [--gzip|--zlib] [--json-compat] IN OUT\n"
     "       mx check --schema S.xsd [--schema S.xsd]... DOC...\n"
     "       mx describe --schema S.xsd [--schema S.xsd]...\n"
+    "       mx generate --schema S.xsd [--schema S.xsd]... --out DIR [--namespace URI=cpp::ns]...\n"
     "IN and OUT may be - for standard input and output. The input's format and\n"
     "compression are detected; the output's format comes from --to or OUT's\n"
     "extension (.xml, .json, .fi, .finf, each maybe followed by .gz).\n";

@@ -6,6 +6,7 @@
 //
 // Exit status: 0 success, 1 a document or schema failed, 2 usage.
 
+#include "cpp/CppGenerator.h"
 #include "dynamic/DynamicSchema.h"
 #include "frontend/XsdFrontend.h"
 
@@ -15,6 +16,7 @@
 #include <cstdio>
 #include <cstring>
 #include <iostream>
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <unistd.h>
@@ -30,6 +32,7 @@ constexpr char const *kUsage =
     "usage: mx convert [--schema S.xsd]... [--to xml|json|fi] [--gzip|--zlib] [--json-compat] IN OUT\n"
     "       mx check --schema S.xsd [--schema S.xsd]... DOC...\n"
     "       mx describe --schema S.xsd [--schema S.xsd]...\n"
+    "       mx generate --schema S.xsd [--schema S.xsd]... --out DIR [--namespace URI=cpp::ns]...\n"
     "IN and OUT may be - for standard input and output. The input's format and\n"
     "compression are detected; the output's format comes from --to or OUT's\n"
     "extension (.xml, .json, .fi, .finf, each maybe followed by .gz).\n";
@@ -102,6 +105,8 @@ struct Options
     std::vector<std::string> schemas;
     std::vector<std::string> files;
     std::string to;
+    std::string out;
+    std::map<std::string, std::string> namespaces;
     CompressionType compression = CompressionNone;
     bool jsonCompat = false;
 };
@@ -119,6 +124,21 @@ Options Parse(std::vector<std::string> const &args, bool allowFormat)
             if (a == "--to" && !allowFormat)
                 throw Usage("unknown option --to");
             (a == "--schema" ? o.schemas.emplace_back() : o.to) = args[++i];
+        }
+        else if (a == "--out" || a == "--namespace")
+        {
+            if (i + 1 >= args.size())
+                throw Usage(a + " needs a value");
+            std::string const value = args[++i];
+            if (a == "--out")
+                o.out = value;
+            else
+            {
+                std::size_t const eq = value.find('=');
+                if (eq == std::string::npos || eq + 1 == value.size())
+                    throw Usage("--namespace takes URI=cpp::namespace");
+                o.namespaces[value.substr(0, eq)] = value.substr(eq + 1);
+            }
         }
         else if (allowFormat && a == "--gzip")
             o.compression = CompressionGZip;
@@ -239,6 +259,52 @@ int Describe(std::vector<std::string> const &args)
     return 0;
 }
 
+// File names of generated code: the schema's name with '-' and '.' as '_'.
+std::string MxCompilerBaseName(std::string name)
+{
+    for (char &c : name)
+        if (c == '-' || c == '.' || c == ' ')
+            c = '_';
+    return name.empty() ? std::string("Schema") : name;
+}
+
+int Generate(std::vector<std::string> const &args)
+{
+    Options o = Parse(args, false);
+    if (o.schemas.empty() || o.out.empty() || !o.files.empty())
+        throw Usage("generate takes --schema files and --out DIR");
+    MxCompiler::CppOptions options;
+    std::string base = o.schemas.front();
+    base = base.substr(base.find_last_of('/') + 1);
+    base = base.substr(0, base.find('.'));
+    options.baseName = MxCompilerBaseName(base);
+    options.namespaces = o.namespaces;
+    for (std::string const &schema : o.schemas)
+        options.schemaNames.push_back(schema.substr(schema.find_last_of('/') + 1));
+    for (MxCompiler::GeneratedFile const &file : MxCompiler::GenerateCpp(MxCompiler::LoadSchemaModel(o.schemas), options))
+    {
+        std::string const path = o.out + "/" + file.name;
+        std::string const old = [&path] {
+            FILE *in = std::fopen(path.c_str(), "rb");
+            std::string text;
+            if (in == nullptr)
+                return text;
+            char buffer[4096];
+            for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, in)) > 0;)
+                text.append(buffer, n);
+            std::fclose(in);
+            return text;
+        }();
+        // An unchanged file keeps its time, so that builds that depend on it stay done.
+        if (old == file.text)
+            continue;
+        CBinaryData bytes(reinterpret_cast<unsigned char *>(const_cast<char *>(file.text.data())),
+                          static_cast<unsigned long>(file.text.size()), false);
+        WriteAll(path, bytes);
+    }
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -260,6 +326,8 @@ int main(int argc, char **argv)
             return Check(args);
         if (command == "describe")
             return Describe(args);
+        if (command == "generate")
+            return Generate(args);
         throw Usage("unknown command " + command);
     }
     catch (Usage const &e)

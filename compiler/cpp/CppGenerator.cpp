@@ -1,0 +1,991 @@
+#include "cpp/CppGenerator.h"
+
+#include "frontend/XsdFrontend.h"
+
+#include <cstdio>
+#include <set>
+#include <sstream>
+
+namespace MxCompiler
+{
+
+namespace
+{
+
+// ---------------------------------------------------------------------------
+// Text
+
+// Fills $name$ holes from the table; "$$" is a dollar sign.
+std::string Fill(std::string const &templ, std::map<std::string, std::string> const &vars)
+{
+    std::string out;
+    for (std::size_t i = 0; i < templ.size(); ++i)
+    {
+        if (templ[i] != '$')
+        {
+            out += templ[i];
+            continue;
+        }
+        std::size_t const end = templ.find('$', i + 1);
+        std::string const key = templ.substr(i + 1, end - i - 1);
+        if (key.empty())
+            out += '$';
+        else
+        {
+            auto const found = vars.find(key);
+            if (found == vars.end())
+                throw CSchemaError("generator template has no value for $" + key + "$");
+            out += found->second;
+        }
+        i = end;
+    }
+    return out;
+}
+
+// A C++ string literal; bytes outside printable ASCII as octal escapes, so
+// that no escape can run into the next character.
+std::string Literal(std::string const &text)
+{
+    std::string out = "\"";
+    for (unsigned char c : text)
+    {
+        if (c == '"' || c == '\\')
+            out += std::string("\\") + static_cast<char>(c);
+        else if (c >= 0x20 && c < 0x7F && c != '?')
+            out += static_cast<char>(c);
+        else
+        {
+            char buffer[8];
+            std::snprintf(buffer, sizeof buffer, "\\%03o", c);
+            out += buffer;
+        }
+    }
+    return out + "\"";
+}
+
+std::string LiteralOrNull(bool has, std::string const &text)
+{
+    return has ? Literal(text) : "nullptr";
+}
+
+std::string FacetText(std::string const &text)
+{
+    return text.empty() ? "nullptr" : Literal(text);
+}
+
+std::string Restrictions(MxXmlLib::CPrimitiveRestrictions const &f)
+{
+    if (f.pattern.empty() && f.minLength < 0 && f.maxLength < 0 && f.minInclusive.empty() && f.maxInclusive.empty() &&
+        f.minExclusive.empty() && f.maxExclusive.empty() && f.length < 0 && f.totalDigits < 0 && f.fractionDigits < 0)
+        return "NoFacets()";
+    std::ostringstream out;
+    out << "MxXmlLib::CPrimitiveRestrictions(" << FacetText(f.pattern) << ", " << f.minLength << ", " << f.maxLength
+        << ", " << FacetText(f.minInclusive) << ", " << FacetText(f.maxInclusive) << ", " << FacetText(f.minExclusive)
+        << ", " << FacetText(f.maxExclusive) << ", " << f.length << ", " << f.totalDigits << ", " << f.fractionDigits
+        << ")";
+    return out.str();
+}
+
+std::string FacetArguments(MxXmlLib::CPrimitiveRestrictions const &f)
+{
+    std::ostringstream out;
+    out << FacetText(f.pattern) << ", " << f.minLength << ", " << f.maxLength << ", " << FacetText(f.minInclusive)
+        << ", " << FacetText(f.maxInclusive) << ", " << FacetText(f.minExclusive) << ", " << FacetText(f.maxExclusive)
+        << ", " << f.length << ", " << f.totalDigits << ", " << f.fractionDigits;
+    return out.str();
+}
+
+char const *RuleName(WhitespaceRule rule)
+{
+    switch (rule)
+    {
+    case WhitespaceRule::None:
+        return "Rule::None";
+    case WhitespaceRule::Preserve:
+        return "Rule::Preserve";
+    case WhitespaceRule::Replace:
+        return "Rule::Replace";
+    case WhitespaceRule::Collapse:
+        return "Rule::Collapse";
+    }
+    return "Rule::None";
+}
+
+// The C++ face of each primitive: value type, cell getter and setter, and
+// the run-time's collection class.
+struct PrimitiveFace
+{
+    char const *type;
+    char const *get;
+    char const *set;
+    char const *collection;
+};
+
+PrimitiveFace Face(ItemType t)
+{
+    switch (t)
+    {
+    case MxXmlLib::ItemType_hexBinary:
+        return {"MxXmlLib::CBinaryData", "GetHexBinary", "SetHexBinary", "ChexBinaryCol"};
+    case MxXmlLib::ItemType_base64Binary:
+        return {"MxXmlLib::CBinaryData", "GetBase64Binary", "SetBase64Binary", "Cbase64BinaryCol"};
+    case MxXmlLib::ItemType_i1:
+        return {"std::int8_t", "GetI1", "SetI1", "Ci1Col"};
+    case MxXmlLib::ItemType_i2:
+        return {"std::int16_t", "GetI2", "SetI2", "Ci2Col"};
+    case MxXmlLib::ItemType_i4:
+        return {"std::int32_t", "GetI4", "SetI4", "Ci4Col"};
+    case MxXmlLib::ItemType_i8:
+        return {"std::int64_t", "GetI8", "SetI8", "Ci8Col"};
+    case MxXmlLib::ItemType_ui1:
+        return {"std::uint8_t", "GetUI1", "SetUI1", "Cui1Col"};
+    case MxXmlLib::ItemType_ui2:
+        return {"std::uint16_t", "GetUI2", "SetUI2", "Cui2Col"};
+    case MxXmlLib::ItemType_ui4:
+        return {"std::uint32_t", "GetUI4", "SetUI4", "Cui4Col"};
+    case MxXmlLib::ItemType_ui8:
+        return {"std::uint64_t", "GetUI8", "SetUI8", "Cui8Col"};
+    case MxXmlLib::ItemType_r4:
+        return {"float", "GetR4", "SetR4", "Cr4Col"};
+    case MxXmlLib::ItemType_r8:
+        return {"double", "GetR8", "SetR8", "Cr8Col"};
+    case MxXmlLib::ItemType_duration:
+        return {"MxXmlLib::CDateTimeSpan", "GetDuration", "SetDuration", "CdurationCol"};
+    case MxXmlLib::ItemType_yearMonth:
+        return {"MxXmlLib::CDateTime", "GetYearMonth", "SetYearMonth", "CyearMonthCol"};
+    case MxXmlLib::ItemType_monthDay:
+        return {"MxXmlLib::CDateTime", "GetMonthDay", "SetMonthDay", "CmonthDayCol"};
+    case MxXmlLib::ItemType_year:
+        return {"std::uint16_t", "GetYear", "SetYear", "CyearCol"};
+    case MxXmlLib::ItemType_month:
+        return {"std::uint8_t", "GetMonth", "SetMonth", "CmonthCol"};
+    case MxXmlLib::ItemType_day:
+        return {"std::uint8_t", "GetDay", "SetDay", "CdayCol"};
+    case MxXmlLib::ItemType_date:
+        return {"MxXmlLib::CDateTime", "GetDate", "SetDate", "CdateCol"};
+    case MxXmlLib::ItemType_datetime:
+        return {"MxXmlLib::CDateTime", "GetDateTime", "SetDateTime", "CdatetimeCol"};
+    case MxXmlLib::ItemType_time:
+        return {"MxXmlLib::CDateTime", "GetTime", "SetTime", "CtimeCol"};
+    case MxXmlLib::ItemType_boolean:
+        return {"bool", "GetBoolean", "SetBoolean", "CbooleanCol"};
+    case MxXmlLib::ItemType_decimal:
+        return {"MxXmlLib::CDecimal", "GetDecimal", "SetDecimal", "CdecimalCol"};
+    case MxXmlLib::ItemType_integer:
+        return {"MxXmlLib::CBigInteger", "GetInteger", "SetInteger", "CintegerCol"};
+    default:
+        return {"std::string", "GetString", "SetString", "CstringCol"};
+    }
+}
+
+bool PassByReference(char const *type)
+{
+    return std::string(type).find("::C") != std::string::npos || std::string(type) == "std::string";
+}
+
+// ---------------------------------------------------------------------------
+// Names: every C++ name is settled here, before anything is printed.
+
+std::set<std::string> const kKeywords = {
+    "alignas", "alignof", "and", "and_eq", "asm", "auto", "bitand", "bitor", "bool", "break", "case", "catch",
+    "char", "char16_t", "char32_t", "class", "compl", "const", "constexpr", "const_cast", "continue", "decltype",
+    "default", "delete", "do", "double", "dynamic_cast", "else", "enum", "explicit", "export", "extern", "false",
+    "float", "for", "friend", "goto", "if", "inline", "int", "long", "mutable", "namespace", "new", "noexcept",
+    "not", "not_eq", "nullptr", "operator", "or", "or_eq", "private", "protected", "public", "register",
+    "reinterpret_cast", "return", "short", "signed", "sizeof", "static", "static_assert", "static_cast", "struct",
+    "switch", "template", "this", "thread_local", "throw", "true", "try", "typedef", "typeid", "typename", "union",
+    "unsigned", "using", "virtual", "void", "volatile", "wchar_t", "while", "NULL", "EOF", "assert", "errno"};
+
+// Methods of the bases that an accessor must not hide.
+std::set<std::string> const kReserved = {"GetBase",     "GetNamespace",   "GetElementName", "SetElementName",
+                                         "GetTargetNamespace", "Init",     "ToXml",          "FromXml",
+                                         "AccessProperty", "CleanMetaData", "IsNil",         "SetNil",
+                                         "GetParentElementInfo", "GetClassElementInfo", "GetClassAttributeInfo",
+                                         "AddRef",      "Release",        "GetCount",       "Clear"};
+
+std::string Identifier(std::string const &text)
+{
+    std::string id;
+    for (char c : text)
+    {
+        bool const ok = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+        id += ok ? c : '_';
+    }
+    if (id.empty() || (id[0] >= '0' && id[0] <= '9'))
+        id.insert(0, "_");
+    // Names with a double underscore or an underscore and a capital are the implementation's.
+    while (id.size() > 1 && id[0] == '_' && (id[1] == '_' || (id[1] >= 'A' && id[1] <= 'Z')))
+        id.insert(0, "V");
+    if (kKeywords.count(id))
+        id += '_';
+    return id;
+}
+
+std::string Pascal(std::string const &name)
+{
+    std::string id = Identifier(name);
+    if (id[0] >= 'a' && id[0] <= 'z')
+        id[0] = static_cast<char>(id[0] - 'a' + 'A');
+    else if (id[0] == '_')
+        id.insert(0, "V");
+    return id;
+}
+
+std::string Unique(std::string const &wanted, std::set<std::string> &taken)
+{
+    std::string candidate = wanted;
+    for (int n = 2; !taken.insert(candidate).second; ++n)
+        candidate = wanted + "_" + std::to_string(n);
+    return candidate;
+}
+
+struct Names
+{
+    std::string cppNamespace;
+    std::vector<std::string> classes;       // C<identifier>
+    std::vector<bool> nillable;             // a nillable variant is made
+    std::vector<std::string> enums;
+    std::vector<std::vector<std::string>> enumerators;
+    std::vector<std::vector<std::string>> accessors; // per class, per property: the part after Get/Set
+    std::vector<std::pair<int, bool>> substitutionFactories; // (base class, nillable)
+};
+
+Names Decide(Model const &model, CppOptions const &options)
+{
+    Names names;
+    std::string ns = options.cppNamespace;
+    if (ns.empty() && !model.roots.empty())
+    {
+        auto const mapped = options.namespaces.find(model.roots.front().ns);
+        if (mapped != options.namespaces.end())
+            ns = mapped->second;
+    }
+    if (ns.empty())
+        ns = options.baseName;
+    // A nested namespace keeps its "::"; each part becomes an identifier.
+    std::string qualified;
+    for (std::size_t from = 0;;)
+    {
+        std::size_t const at = ns.find("::", from);
+        qualified += Identifier(ns.substr(from, at == std::string::npos ? std::string::npos : at - from));
+        if (at == std::string::npos)
+            break;
+        qualified += "::";
+        from = at + 2;
+    }
+    names.cppNamespace = qualified;
+
+    std::set<std::string> types = {"ClassId", "CFactory", "Rule", "NoFacets", "CreateByClassId", "CreateRoot",
+                                   "CleanAllMetaData"};
+    for (ClassDef const &c : model.classes)
+        names.classes.push_back(Unique("C" + Identifier(c.identifier), types));
+    for (Enumeration const &e : model.enumerations)
+    {
+        names.enums.push_back(Unique(Pascal(e.name), types));
+        std::set<std::string> taken;
+        std::vector<std::string> values;
+        for (std::string const &v : e.values)
+            values.push_back(Unique(Identifier(v.empty() ? "Empty" : v), taken));
+        names.enumerators.push_back(values);
+    }
+    names.nillable.assign(model.classes.size(), false);
+    auto markNillable = [&](int cls, bool substitutable) {
+        std::vector<int> const all = substitutable ? model.Substitutes(cls) : std::vector<int>{cls};
+        for (int i : all)
+            names.nillable[static_cast<std::size_t>(i)] = true;
+    };
+    for (ClassDef const &c : model.classes)
+        for (ElementRow const &r : c.elements)
+        {
+            if (r.nillable && (r.kind == RowKind::Cls || r.kind == RowKind::AbsCls))
+                markNillable(r.classIndex, r.kind == RowKind::AbsCls);
+            if (r.kind == RowKind::AbsCls)
+            {
+                std::pair<int, bool> const key{r.classIndex, r.nillable};
+                bool known = false;
+                for (auto const &f : names.substitutionFactories)
+                    known = known || f == key;
+                if (!known)
+                    names.substitutionFactories.push_back(key);
+            }
+        }
+    for (RootElement const &r : model.roots)
+        if (r.nillable && r.classIndex >= 0)
+            markNillable(r.classIndex, true);
+    for (ClassDef const &c : model.classes)
+    {
+        std::set<std::string> taken;
+        std::vector<std::string> accessors;
+        for (Property const &p : c.properties)
+        {
+            std::string a = Pascal(p.name);
+            for (char const *prefix : {"Get", "Set", "Has", "Clear"})
+                if (kReserved.count(prefix + a))
+                    a += "_";
+            accessors.push_back(Unique(a, taken));
+        }
+        names.accessors.push_back(accessors);
+    }
+    return names;
+}
+
+// ---------------------------------------------------------------------------
+// Printing
+
+class Generator
+{
+public:
+    Generator(Model const &model, CppOptions const &options) : m(model), o(options), n(Decide(model, options)) {}
+
+    std::vector<GeneratedFile> Run()
+    {
+        return {{o.baseName + ".h", Header()}, {o.baseName + ".cpp", Source()}};
+    }
+
+private:
+    std::string Banner() const
+    {
+        std::string schemas;
+        for (std::string const &s : o.schemaNames)
+            schemas += (schemas.empty() ? "" : ", ") + s;
+        return "// Generated by mx generate from " + schemas + ".\n// Do not edit: generate again from the schema.\n\n";
+    }
+
+    std::string const &ClassName(int index) const { return n.classes[static_cast<std::size_t>(index)]; }
+    std::string ClassId(int index, bool nillable) const
+    {
+        return "ClassId_" + ClassName(index).substr(1) + (nillable ? "_Nillable" : "");
+    }
+    std::string ConcreteName(int index, bool nillable) const
+    {
+        return ClassName(index) + (nillable ? "_Nillable" : "");
+    }
+    std::string SubstitutionFactory(int base, bool nillable) const
+    {
+        return "CFactory::MakeSubstituteOf" + ClassName(base).substr(1) + (nillable ? "_Nillable" : "");
+    }
+    std::string EnumName(int e) const { return n.enums[static_cast<std::size_t>(e)]; }
+
+    // The accessors of one property, declared in the class.
+    std::string Declarations(std::size_t ci) const
+    {
+        ClassDef const &c = m.classes[ci];
+        std::string out;
+        for (std::size_t pi = 0; pi < c.properties.size(); ++pi)
+        {
+            Property const &p = c.properties[pi];
+            std::map<std::string, std::string> v = {{"name", n.accessors[ci][pi]}, {"xml", p.name}};
+            std::string type, comment;
+            ValueType const *value = ValueOf(c, p);
+            switch (p.holds)
+            {
+            case Property::Holds::Value:
+                if (value != nullptr && value->enumeration >= 0)
+                    type = EnumName(value->enumeration);
+                else
+                    type = Face(value ? value->itemType : MxXmlLib::ItemType_string).type;
+                v["type"] = type;
+                v["param"] = PassByReference(type.c_str()) ? type + " const &" : type + " ";
+                out += Fill("    // $xml$\n"
+                            "    bool Has$name$() const;\n"
+                            "    $type$ Get$name$() const;\n"
+                            "    void Set$name$($param$value);\n"
+                            "    void Clear$name$();\n",
+                            v);
+                break;
+            case Property::Holds::Object:
+            case Property::Holds::MandatoryObject:
+            {
+                ElementRow const &r = c.elements[static_cast<std::size_t>(p.row)];
+                v["type"] = ClassName(r.classIndex);
+                out += Fill("    // $xml$\n"
+                            "    MxXmlLib::CSmartPtr<$type$> Get$name$() const;\n"
+                            "    void Set$name$($type$ *value);\n",
+                            v);
+                break;
+            }
+            case Property::Holds::ObjectCol:
+            {
+                ElementRow const &r = c.elements[static_cast<std::size_t>(p.row)];
+                v["type"] = ClassName(r.classIndex);
+                out += Fill("    // $xml$, repeated\n"
+                            "    MxXmlLib::CObjectCol *Get$name$() const;\n"
+                            "    int Get$name$Count() const;\n"
+                            "    $type$ *Get$name$At(int index) const;\n"
+                            "    void Add$name$($type$ *item);\n",
+                            v);
+                break;
+            }
+            case Property::Holds::ValueCol:
+                v["type"] = std::string("MxXmlLib::") +
+                            Face(c.elements[static_cast<std::size_t>(p.row)].value.itemType).collection;
+                out += Fill("    // $xml$, repeated\n    $type$ *Get$name$() const;\n", v);
+                break;
+            case Property::Holds::EnumCol:
+                out += Fill("    // $xml$, repeated\n    MxXmlLib::CEnumCol *Get$name$() const;\n", v);
+                break;
+            case Property::Holds::Element:
+            case Property::Holds::MandatoryElement:
+                out += Fill("    // $xml$, untyped\n"
+                            "    MxXmlLib::CSmartPtr<MxXmlLib::CElement> Get$name$() const;\n"
+                            "    void Set$name$(MxXmlLib::CElement *value);\n",
+                            v);
+                break;
+            case Property::Holds::ElementCol:
+                out += Fill("    // $xml$, untyped, repeated\n    MxXmlLib::CElementCol *Get$name$() const;\n", v);
+                break;
+            case Property::Holds::AttributeCol:
+                out += Fill("    // $xml$\n    MxXmlLib::CAttributeCol *Get$name$() const;\n", v);
+                break;
+            }
+        }
+        return out;
+    }
+
+    static ValueType const *ValueOf(ClassDef const &c, Property const &p)
+    {
+        if (p.row >= 0)
+            return &c.elements[static_cast<std::size_t>(p.row)].value;
+        if (p.attribute >= 0)
+            return &c.attributes[static_cast<std::size_t>(p.attribute)].value;
+        if (c.simpleContentProperty >= 0)
+            return &c.simpleContent;
+        return nullptr;
+    }
+
+    std::string Header() const
+    {
+        std::string out = Banner();
+        out += "#pragma once\n\n#include \"MxXmlLib.h\"\n#include \"collections/GeneratedCollections.h\"\n\n"
+               "#include <cstdint>\n#include <string>\n#include <utility>\n\n";
+        out += "namespace " + n.cppNamespace + "\n{\n\n";
+        for (std::size_t e = 0; e < m.enumerations.size(); ++e)
+        {
+            out += "enum class " + n.enums[e] + "\n{\n";
+            for (std::size_t i = 0; i < n.enumerators[e].size(); ++i)
+                out += "    " + n.enumerators[e][i] + " = " + std::to_string(i) + ",\n";
+            out += "};\nchar const *" + n.enums[e] + "ToString(int value);\nint " + n.enums[e] +
+                   "FromString(char const *text);\n\n";
+        }
+        out += "// Class numbers of the factory by number.\nenum ClassId\n{\n";
+        int number = 1;
+        for (std::size_t ci = 0; ci < m.classes.size(); ++ci)
+        {
+            out += "    " + ClassId(static_cast<int>(ci), false) + " = " + std::to_string(number++) + ",\n";
+            if (n.nillable[ci])
+                out += "    " + ClassId(static_cast<int>(ci), true) + " = " + std::to_string(number++) + ",\n";
+        }
+        out += "};\n\nMxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> CreateByClassId(int classId, char const "
+               "*elementName);\n"
+               "// An empty object for a global element of the schema, or null for one it does not declare.\n"
+               "MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> CreateRoot(char const *name, char const *ns);\n"
+               "// Releases the tables of every class; the next use builds them again.\nvoid CleanAllMetaData();\n\n";
+        for (std::string const &c : n.classes)
+            out += "class " + c + ";\n";
+        out += "\n";
+        for (std::size_t ci = 0; ci < m.classes.size(); ++ci)
+        {
+            ClassDef const &c = m.classes[ci];
+            std::map<std::string, std::string> v = {
+                {"class", n.classes[ci]},
+                {"element", Literal(c.defaultElementName)},
+                {"origin", c.origin},
+                {"cells", std::to_string(std::max<std::size_t>(1, c.properties.size()))},
+                {"accessors", Declarations(ci)}};
+            out += Fill("// $origin$\n"
+                        "class $class$ : public MxXmlLib::CXmlGeneratedClass\n"
+                        "{\n"
+                        "public:\n"
+                        "    explicit $class$(char const *elementName = $element$);\n"
+                        "    MxXmlLib::CXmlObjectBase *GetBase() override { return this; }\n"
+                        "    using MxXmlLib::CXmlObjectBase::GetBase;\n"
+                        "    std::string GetNamespace() const override;\n"
+                        "    void SetTargetNamespace(std::string ns) { m_targetNamespace = std::move(ns); }\n"
+                        "\n"
+                        "$accessors$"
+                        "\n"
+                        "    void AccessProperty(int index, bool read, MxXmlLib::MxVariant &value) override;\n"
+                        "    MxXmlLibData::CParentElementInfo *GetParentElementInfo() override;\n"
+                        "    MxXmlLibData::CElementInfo **GetClassElementInfo() override;\n"
+                        "    MxXmlLibData::CAttributeInfo **GetClassAttributeInfo() override;\n"
+                        "    void Init() override;\n"
+                        "    static void CleanMetaData();\n"
+                        "\n"
+                        "protected:\n"
+                        "    ~$class$() override;\n"
+                        "    std::string GetTargetNamespace() const override { return m_targetNamespace; }\n"
+                        "\n"
+                        "private:\n"
+                        "    void Reset(bool makeMandatoryChildren);\n"
+                        "\n"
+                        "    MxXmlLib::MxVariant m_cells[$cells$];\n"
+                        "    std::string m_targetNamespace;\n"
+                        "};\n\n",
+                        v);
+            if (n.nillable[ci])
+                out += Fill("// $class$ where the element is nillable.\n"
+                            "class $class$_Nillable : public $class$, public MxXmlLib::INillable\n"
+                            "{\n"
+                            "public:\n"
+                            "    using $class$::$class$;\n"
+                            "    bool IsNil() override { return m_nil; }\n"
+                            "    void SetNil(bool nil) override { m_nil = nil; }\n"
+                            "    void Init() override\n"
+                            "    {\n"
+                            "        m_nil = false;\n"
+                            "        $class$::Init();\n"
+                            "    }\n"
+                            "\n"
+                            "private:\n"
+                            "    bool m_nil = false;\n"
+                            "};\n\n",
+                            v);
+        }
+        out += "} // namespace " + n.cppNamespace + "\n";
+        return out;
+    }
+
+    // ---- source
+
+    std::string Source() const
+    {
+        std::string out = Banner();
+        out += "#include \"" + o.baseName + ".h\"\n\n#include <cstring>\n\n";
+        out += "namespace " + n.cppNamespace + "\n{\n\n"
+               "using namespace MxXmlLibData;\n"
+               "using Rule = MxXmlLib::CWhitespaceUtils::WhitespaceRule;\n\n"
+               "namespace\n{\n"
+               "[[maybe_unused]] MxXmlLib::CPrimitiveRestrictions NoFacets()\n{\n"
+               "    return MxXmlLib::CPrimitiveRestrictions(nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1, "
+               "-1, -1);\n}\n\n"
+               "template <typename T> MxXmlLib::CSmartPtr<T> ObjectIn(MxXmlLib::MxVariant const &cell)\n{\n"
+               "    return dynamic_cast<T *>(cell.GetXmlObject().Get());\n}\n";
+        for (std::size_t ci = 0; ci < m.classes.size(); ++ci)
+            out += "MxXmlLib::CClassTables g_tables" + n.classes[ci] + ";\n";
+        out += "} // namespace\n\n";
+        out += Enumerations();
+        out += Factories();
+        for (std::size_t ci = 0; ci < m.classes.size(); ++ci)
+            out += ClassSource(ci);
+        out += "void CleanAllMetaData()\n{\n";
+        for (std::string const &c : n.classes)
+            out += "    " + c + "::CleanMetaData();\n";
+        out += "}\n\n} // namespace " + n.cppNamespace + "\n";
+        return out;
+    }
+
+    std::string Enumerations() const
+    {
+        std::string out;
+        for (std::size_t e = 0; e < m.enumerations.size(); ++e)
+        {
+            Enumeration const &en = m.enumerations[e];
+            std::string values;
+            for (std::string const &value : en.values)
+                values += "    " + Literal(value) + ",\n";
+            std::map<std::string, std::string> v = {
+                {"enum", n.enums[e]}, {"values", values}, {"xml", Literal(en.name)}};
+            out += Fill("namespace\n{\nchar const *const k$enum$Values[] = {\n$values$};\n} // namespace\n\n"
+                        "char const *$enum$ToString(int value)\n"
+                        "{\n"
+                        "    int const count = static_cast<int>(sizeof k$enum$Values / sizeof *k$enum$Values);\n"
+                        "    return value >= 0 && value < count ? k$enum$Values[value] : \"\";\n"
+                        "}\n\n"
+                        "int $enum$FromString(char const *text)\n"
+                        "{\n"
+                        "    for (std::size_t i = 0; i < sizeof k$enum$Values / sizeof *k$enum$Values; ++i)\n"
+                        "        if (std::strcmp(k$enum$Values[i], text) == 0)\n"
+                        "            return static_cast<int>(i);\n"
+                        "    throw MxXmlLib::CMxInvalidValueException(\n"
+                        "        MxXmlLib::FormatString(\"Invalid value [%s] for the enumeration %s\", text, $xml$));\n"
+                        "}\n\n",
+                        v);
+        }
+        return out;
+    }
+
+    std::string Factories() const
+    {
+        std::string out = "// The factories the rows hold.\n"
+                          "class CFactory : public MxXmlLib::CClassfactoryBase\n{\npublic:\n";
+        for (auto const &[base, nillable] : n.substitutionFactories)
+            out += "    static MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> MakeSubstituteOf" +
+                   ClassName(base).substr(1) + (nillable ? "_Nillable" : "") + "(MxXmlLib::CXmlElement *element);\n";
+        out += "};\n\n";
+        out += "MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> CreateByClassId(int classId, char const *elementName)\n"
+               "{\n    switch (classId)\n    {\n";
+        for (std::size_t ci = 0; ci < m.classes.size(); ++ci)
+            for (bool nil : {false, true})
+            {
+                if (nil && !n.nillable[ci])
+                    continue;
+                out += "    case " + ClassId(static_cast<int>(ci), nil) + ":\n        return new " +
+                       ConcreteName(static_cast<int>(ci), nil) + "(elementName);\n";
+            }
+        out += "    default:\n        return nullptr;\n    }\n}\n\n";
+        for (auto const &[base, nillable] : n.substitutionFactories)
+        {
+            std::string cases;
+            for (int s : m.Substitutes(base))
+            {
+                ClassDef const &c = m.classes[static_cast<std::size_t>(s)];
+                if (c.anonymous || c.abstract)
+                    continue;
+                cases += "    if (type == " + Literal(c.name) + " && typeNs == " + Literal(c.ns) + ")\n        made = new " +
+                         ConcreteName(s, nillable) + "(name.c_str());\n";
+            }
+            ClassDef const &b = m.classes[static_cast<std::size_t>(base)];
+            std::map<std::string, std::string> v = {
+                {"function", SubstitutionFactory(base, nillable).substr(10)},
+                {"base", b.abstract ? std::string("nullptr") : "new " + ConcreteName(base, nillable) + "(name.c_str())"},
+                {"cases", cases}};
+            out += Fill("// The class that xsi:type names, or the declared one without it.\n"
+                        "MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> CFactory::$function$(MxXmlLib::CXmlElement "
+                        "*element)\n"
+                        "{\n"
+                        "    if (element == nullptr)\n"
+                        "        return nullptr;\n"
+                        "    std::string const name = element->GetLocalName();\n"
+                        "    std::string const type = GetElementType(element);\n"
+                        "    MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> made;\n"
+                        "    if (type.empty())\n"
+                        "        made = $base$;\n"
+                        "    std::string const typeNs = type.empty() ? std::string() : "
+                        "GetElementTypeNamespaceUri(element);\n"
+                        "$cases$"
+                        "    return made;\n"
+                        "}\n\n",
+                        v);
+        }
+        out += "MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> CreateRoot(char const *name, char const *ns)\n{\n"
+               "    std::string const n = name, u = ns ? ns : \"\";\n";
+        for (RootElement const &r : m.roots)
+        {
+            if (r.classIndex < 0)
+                continue;
+            std::map<std::string, std::string> v = {{"name", Literal(r.name)},
+                                                    {"ns", Literal(r.ns)},
+                                                    {"class", ConcreteName(r.classIndex, r.nillable)}};
+            out += Fill("    if (n == $name$ && u == $ns$)\n"
+                        "    {\n"
+                        "        $class$ *made = new $class$(name);\n"
+                        "        made->SetTargetNamespace(u);\n"
+                        "        made->Init();\n"
+                        "        return made;\n"
+                        "    }\n",
+                        v);
+        }
+        out += "    return nullptr;\n}\n\n";
+        return out;
+    }
+
+    std::string RowConstructor(ClassDef const &c, ElementRow const &r) const
+    {
+        std::string const cls = RowClassName(r);
+        std::string const head = "new " + cls + "(" + Literal(r.name) + ", " + Literal(r.ns) + ", " +
+                                 std::to_string(r.property);
+        std::string const shape = r.childShape == ClassShape::Element ? "XmlElementType_Element"
+                                                                      : "XmlElementType_PseudoGroup";
+        std::string const def = LiteralOrNull(r.hasDefault, r.defaultValue);
+        (void)c;
+        switch (r.kind)
+        {
+        case RowKind::Cls:
+            if (r.occurs == Occurs::Col)
+                return head + ", " + shape + ")";
+            if (r.occurs == Occurs::Opt)
+                return head + ", " + shape + ", &CreateByClassId, " + ClassId(r.classIndex, r.nillable) + ")";
+            return head + ", " + shape + ", &CreateByClassId, " + ClassId(r.classIndex, r.nillable) + ", " +
+                   (r.contentRequired ? "true" : "false") + ")";
+        case RowKind::AbsCls:
+            if (r.occurs == Occurs::Col)
+                return head + ", " + shape + ")";
+            if (r.occurs == Occurs::Mnd && r.group == Group::All)
+                return head + ", " + shape + ", &" + SubstitutionFactory(r.classIndex, r.nillable) + ", 0)";
+            return head + ", " + shape + ", &" + SubstitutionFactory(r.classIndex, r.nillable) + ")";
+        case RowKind::Enum:
+            if (r.occurs == Occurs::Col)
+                return head + ")";
+            return head + ", " + (r.nillable ? "true" : "false") + ", &" + EnumName(r.value.enumeration) +
+                   "ToString, &" + EnumName(r.value.enumeration) + "FromString, " + def + ")";
+        case RowKind::Prim:
+            if (r.occurs == Occurs::Col)
+                return head + ")";
+            return head + ", " + (r.nillable ? "true" : "false") + ", MxXmlLib::ItemType_" +
+                   ItemTypeName(r.value.itemType) + ", nullptr, " + RuleName(r.value.whitespace) + ", " +
+                   Restrictions(r.value.facets) + ", " + def + ")";
+        case RowKind::Untpd:
+            if (r.occurs == Occurs::Col)
+                return head + ")";
+            return head + ", " + Literal(r.namespaceRestriction) + ", " + Literal(r.targetNamespace) + ")";
+        }
+        return head + ")";
+    }
+
+    std::string AttributeConstructor(AttributeRow const &a) const
+    {
+        std::string const def = LiteralOrNull(a.hasDefault, a.defaultValue);
+        switch (a.kind)
+        {
+        case AttributeRow::Kind::Any:
+            return "new CAttributeInfoAny(\"\", \"\", " + std::to_string(a.property) + ", true, " +
+                   Literal(a.namespaceRestriction) + ", " + Literal(a.targetNamespace) + ", nullptr)";
+        case AttributeRow::Kind::Enum:
+            return "new CAttributeInfoEnum(" + Literal(a.name) + ", " + Literal(a.ns) + ", " +
+                   std::to_string(a.property) + ", " + (a.optional ? "true" : "false") + ", &" +
+                   EnumName(a.value.enumeration) + "ToString, &" + EnumName(a.value.enumeration) + "FromString, " +
+                   def + ")";
+        case AttributeRow::Kind::Prim:
+            break;
+        }
+        return "new CAttributeInfoPrimitive(" + Literal(a.name) + ", " + Literal(a.ns) + ", " +
+               std::to_string(a.property) + ", " + (a.optional ? "true" : "false") + ", MxXmlLib::ItemType_" +
+               ItemTypeName(a.value.itemType) + ", nullptr, " + RuleName(a.value.whitespace) + ", " +
+               Restrictions(a.value.facets) + ", " + def + ")";
+    }
+
+    std::string ResetBody(ClassDef const &c) const
+    {
+        std::string out;
+        for (std::size_t pi = 0; pi < c.properties.size(); ++pi)
+        {
+            Property const &p = c.properties[pi];
+            std::string const cell = "    m_cells[" + std::to_string(pi) + "]";
+            ElementRow const *r = p.row >= 0 ? &c.elements[static_cast<std::size_t>(p.row)] : nullptr;
+            switch (p.holds)
+            {
+            case Property::Holds::Value:
+            {
+                out += cell + " = MxXmlLib::MxVariant();\n";
+                AttributeRow const *a = p.attribute >= 0 ? &c.attributes[static_cast<std::size_t>(p.attribute)] : nullptr;
+                if (a != nullptr && a->fixed && a->kind == AttributeRow::Kind::Prim)
+                    out += cell + ".FromString(" + Literal(a->defaultValue) + ", MxXmlLib::ItemType_" +
+                           ItemTypeName(a->value.itemType) + ", " + RuleName(a->value.whitespace) + ");\n";
+                break;
+            }
+            case Property::Holds::Object:
+            case Property::Holds::Element:
+                out += cell + ".SetXmlObject(nullptr);\n";
+                break;
+            case Property::Holds::MandatoryObject:
+                out += cell + ".SetXmlObject(makeMandatoryChildren ? CreateByClassId(" +
+                       ClassId(r->classIndex, r->nillable) + ", " + Literal(r->name) + ").Get() : nullptr);\n";
+                break;
+            case Property::Holds::ObjectCol:
+                out += cell + ".SetXmlObject(new MxXmlLib::CObjectCol(" + Literal(r->name) + ", " + Literal(r->ns) +
+                       ", " + std::to_string(r->minOccurs) + ", " + std::to_string(r->maxOccurs) +
+                       ", &CreateByClassId, " + ClassId(r->classIndex, r->nillable) + ", " +
+                       (r->kind == RowKind::AbsCls ? "&" + SubstitutionFactory(r->classIndex, r->nillable)
+                                                   : std::string("nullptr")) +
+                       ", " + (r->childShape == ClassShape::PseudoGroup ? "true" : "false") + "));\n";
+                break;
+            case Property::Holds::ValueCol:
+                out += cell + ".SetXmlObject(new MxXmlLib::" + Face(r->value.itemType).collection + "(" +
+                       Literal(r->name) + ", " + Literal(r->ns) + ", " + std::to_string(r->minOccurs) + ", " +
+                       std::to_string(r->maxOccurs) + ", " + FacetArguments(r->value.facets) + ", " +
+                       RuleName(r->value.whitespace) + "));\n";
+                break;
+            case Property::Holds::EnumCol:
+                out += cell + ".SetXmlObject(new MxXmlLib::CEnumCol(" + Literal(r->name) + ", " + Literal(r->ns) +
+                       ", " + std::to_string(r->minOccurs) + ", " + std::to_string(r->maxOccurs) + ", &" +
+                       EnumName(r->value.enumeration) + "ToString, &" + EnumName(r->value.enumeration) +
+                       "FromString, " + RuleName(r->value.whitespace) + "));\n";
+                break;
+            case Property::Holds::MandatoryElement:
+                out += cell + ".SetXmlObject(new MxXmlLib::CElement(" + Literal(r->name) + ", " +
+                       Literal(WildcardNamespace(r->namespaceRestriction, r->targetNamespace)) + ", " +
+                       Literal(r->namespaceRestriction) + ", " + Literal(r->targetNamespace) + "));\n";
+                break;
+            case Property::Holds::ElementCol:
+                out += cell + ".SetXmlObject(new MxXmlLib::CElementCol(" +
+                       Literal(WildcardNamespace(r->namespaceRestriction, r->targetNamespace)) + ", " +
+                       Literal(r->namespaceRestriction) + ", " + Literal(r->targetNamespace) + ", " +
+                       std::to_string(r->minOccurs) + ", " + std::to_string(r->maxOccurs) + "));\n";
+                break;
+            case Property::Holds::AttributeCol:
+            {
+                AttributeRow const &a = c.attributes[static_cast<std::size_t>(p.attribute)];
+                out += cell + ".SetXmlObject(new MxXmlLib::CAttributeCol(" +
+                       Literal(WildcardNamespace(a.namespaceRestriction, a.targetNamespace)) + ", " +
+                       Literal(a.namespaceRestriction) + ", " + Literal(a.targetNamespace) + "));\n";
+                break;
+            }
+            }
+        }
+        return out;
+    }
+
+    static std::string WildcardNamespace(std::string const &restriction, std::string const &targetNs)
+    {
+        if (restriction == "##targetNamespace")
+            return targetNs;
+        if (restriction.rfind("##", 0) == 0)
+            return std::string();
+        return restriction;
+    }
+
+    std::string AccessorBodies(std::size_t ci) const
+    {
+        ClassDef const &c = m.classes[ci];
+        std::string out;
+        for (std::size_t pi = 0; pi < c.properties.size(); ++pi)
+        {
+            Property const &p = c.properties[pi];
+            std::map<std::string, std::string> v = {
+                {"class", n.classes[ci]}, {"name", n.accessors[ci][pi]}, {"i", std::to_string(pi)}};
+            ValueType const *value = ValueOf(c, p);
+            switch (p.holds)
+            {
+            case Property::Holds::Value:
+            {
+                bool const isEnum = value != nullptr && value->enumeration >= 0;
+                PrimitiveFace const f = Face(value ? value->itemType : MxXmlLib::ItemType_string);
+                std::string const type = isEnum ? EnumName(value->enumeration) : f.type;
+                v["type"] = type;
+                v["param"] = PassByReference(type.c_str()) ? type + " const &" : type + " ";
+                v["get"] = isEnum ? "static_cast<" + type + ">(m_cells[" + v["i"] + "].GetI4())"
+                                  : "m_cells[" + v["i"] + "]." + f.get + "()";
+                v["set"] = isEnum ? "SetI4(static_cast<int>(value))" : std::string(f.set) + "(value)";
+                out += Fill("bool $class$::Has$name$() const\n{\n    return m_cells[$i$].IsValid();\n}\n"
+                            "$type$ $class$::Get$name$() const\n{\n    return $get$;\n}\n"
+                            "void $class$::Set$name$($param$value)\n{\n    m_cells[$i$].$set$;\n}\n"
+                            "void $class$::Clear$name$()\n{\n    m_cells[$i$] = MxXmlLib::MxVariant();\n}\n\n",
+                            v);
+                break;
+            }
+            case Property::Holds::Object:
+            case Property::Holds::MandatoryObject:
+                v["type"] = ClassName(c.elements[static_cast<std::size_t>(p.row)].classIndex);
+                out += Fill("MxXmlLib::CSmartPtr<$type$> $class$::Get$name$() const\n{\n"
+                            "    return ObjectIn<$type$>(m_cells[$i$]);\n}\n"
+                            "void $class$::Set$name$($type$ *value)\n{\n    m_cells[$i$].SetXmlObject(value);\n}\n\n",
+                            v);
+                break;
+            case Property::Holds::ObjectCol:
+                v["type"] = ClassName(c.elements[static_cast<std::size_t>(p.row)].classIndex);
+                out += Fill("MxXmlLib::CObjectCol *$class$::Get$name$() const\n{\n"
+                            "    return ObjectIn<MxXmlLib::CObjectCol>(m_cells[$i$]).Get();\n}\n"
+                            "int $class$::Get$name$Count() const\n{\n    return Get$name$()->GetCount();\n}\n"
+                            "$type$ *$class$::Get$name$At(int index) const\n{\n"
+                            "    return dynamic_cast<$type$ *>(Get$name$()->GetAt(index));\n}\n"
+                            "void $class$::Add$name$($type$ *item)\n{\n    Get$name$()->Add(item);\n}\n\n",
+                            v);
+                break;
+            case Property::Holds::ValueCol:
+                v["type"] =
+                    std::string("MxXmlLib::") + Face(c.elements[static_cast<std::size_t>(p.row)].value.itemType).collection;
+                out += Fill("$type$ *$class$::Get$name$() const\n{\n    return ObjectIn<$type$>(m_cells[$i$]).Get();\n}\n\n",
+                            v);
+                break;
+            case Property::Holds::EnumCol:
+                out += Fill("MxXmlLib::CEnumCol *$class$::Get$name$() const\n{\n"
+                            "    return ObjectIn<MxXmlLib::CEnumCol>(m_cells[$i$]).Get();\n}\n\n",
+                            v);
+                break;
+            case Property::Holds::Element:
+            case Property::Holds::MandatoryElement:
+                out += Fill("MxXmlLib::CSmartPtr<MxXmlLib::CElement> $class$::Get$name$() const\n{\n"
+                            "    return ObjectIn<MxXmlLib::CElement>(m_cells[$i$]);\n}\n"
+                            "void $class$::Set$name$(MxXmlLib::CElement *value)\n{\n"
+                            "    m_cells[$i$].SetXmlObject(value);\n}\n\n",
+                            v);
+                break;
+            case Property::Holds::ElementCol:
+                out += Fill("MxXmlLib::CElementCol *$class$::Get$name$() const\n{\n"
+                            "    return ObjectIn<MxXmlLib::CElementCol>(m_cells[$i$]).Get();\n}\n\n",
+                            v);
+                break;
+            case Property::Holds::AttributeCol:
+                out += Fill("MxXmlLib::CAttributeCol *$class$::Get$name$() const\n{\n"
+                            "    return ObjectIn<MxXmlLib::CAttributeCol>(m_cells[$i$]).Get();\n}\n\n",
+                            v);
+                break;
+            }
+        }
+        return out;
+    }
+
+    std::string ClassSource(std::size_t ci) const
+    {
+        ClassDef const &c = m.classes[ci];
+        std::string rows;
+        for (ElementRow const &r : c.elements)
+            rows += "        " + RowConstructor(c, r) + ",\n";
+        std::string attributes;
+        for (AttributeRow const &a : c.attributes)
+            attributes += "        " + AttributeConstructor(a) + ",\n";
+        char const *group = c.group == Group::Sequence ? "XmlElementGroupType_Sequence"
+                            : c.group == Group::Choice ? "XmlElementGroupType_Choice"
+                                                       : "XmlElementGroupType_All";
+        std::map<std::string, std::string> v = {
+            {"class", n.classes[ci]},
+            {"ns", Literal(c.ns)},
+            {"name", Literal(c.name)},
+            {"group", group},
+            {"shape", c.shape == ClassShape::Element ? "XmlElementType_Element" : "XmlElementType_PseudoGroup"},
+            {"fail", c.failIfAttributeUnknown ? "true" : "false"},
+            {"bases", c.hasBaseClasses ? "true" : "false"},
+            {"text", std::to_string(c.simpleContentProperty)},
+            {"textType", c.simpleContentProperty >= 0
+                             ? std::string("MxXmlLib::ItemType_") + ItemTypeName(c.simpleContent.itemType)
+                             : std::string("MxXmlLib::ItemType_None")},
+            {"rowCount", std::to_string(c.elements.size() + 1)},
+            {"rows", rows},
+            {"attributeCount", std::to_string(c.attributes.size() + 1)},
+            {"attributes", attributes},
+            {"reset", ResetBody(c)},
+            {"accessors", AccessorBodies(ci)},
+            {"cells", std::to_string(c.properties.size())}};
+        return Fill("// ---------------------------------------------------------------------------\n"
+                    "// $class$\n\n"
+                    "$class$::$class$(char const *elementName) : m_targetNamespace($ns$)\n"
+                    "{\n"
+                    "    SetElementName(elementName);\n"
+                    "    Reset(false);\n"
+                    "}\n\n"
+                    "$class$::~$class$() = default;\n\n"
+                    "std::string $class$::GetNamespace() const\n{\n    return $ns$;\n}\n\n"
+                    "void $class$::Init()\n{\n    Reset(true);\n}\n\n"
+                    "// Mandatory children are made empty: each one's own read fills it.\n"
+                    "void $class$::Reset([[maybe_unused]] bool makeMandatoryChildren)\n{\n$reset$}\n\n"
+                    "void $class$::AccessProperty(int index, bool read, MxXmlLib::MxVariant &value)\n"
+                    "{\n"
+                    "    if (index < 0 || index >= $cells$)\n"
+                    "        throw MxXmlLib::CMxException(MxXmlLib::FormatString(\"Unknown property %d of %s\", index, "
+                    "$name$));\n"
+                    "    if (read)\n"
+                    "        value = m_cells[index];\n"
+                    "    else\n"
+                    "        m_cells[index] = value;\n"
+                    "}\n\n"
+                    "$accessors$"
+                    "static void Build$class$(MxXmlLib::CClassTables::Rows &t)\n"
+                    "{\n"
+                    "    t.info = new CParentElementInfo($group$, $shape$, $name$, $ns$, $fail$, $bases$, $text$,\n"
+                    "                                    $textType$, nullptr, false);\n"
+                    "    t.elements = new CElementInfo *[$rowCount$]{\n$rows$        nullptr};\n"
+                    "    t.attributes = new CAttributeInfo *[$attributeCount$]{\n$attributes$        nullptr};\n"
+                    "}\n\n"
+                    "CParentElementInfo *$class$::GetParentElementInfo()\n{\n"
+                    "    return g_tables$class$.Get(Build$class$).info;\n}\n"
+                    "CElementInfo **$class$::GetClassElementInfo()\n{\n"
+                    "    return g_tables$class$.Get(Build$class$).elements;\n}\n"
+                    "CAttributeInfo **$class$::GetClassAttributeInfo()\n{\n"
+                    "    return g_tables$class$.Get(Build$class$).attributes;\n}\n"
+                    "void $class$::CleanMetaData()\n{\n    g_tables$class$.Clean();\n}\n\n",
+                    v);
+    }
+
+    Model const &m;
+    CppOptions const &o;
+    Names n;
+};
+
+} // namespace
+
+std::vector<GeneratedFile> GenerateCpp(Model const &model, CppOptions const &options)
+{
+    return Generator(model, options).Run();
+}
+
+} // namespace MxCompiler
