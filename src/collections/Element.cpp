@@ -2,6 +2,7 @@
 
 #include "document/XmlDocument.h"
 #include "document/XmlTextWriter.h"
+#include "json/JsonContext.h"
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
 #include "runtime/TextStream.h"
@@ -146,6 +147,22 @@ void CElement::FromXml(char const *xml)
     CSerializationContext const &context = CSerializationContext::GetDefaultContext();
     CXmlDocument document(context);
     document.LoadXml(xml);
+    CXmlElement *root = document.GetDocumentElement();
+    FromXml_Int(root, root, context, false);
+}
+
+void CElement::FromJson(char const *text, CSerializationContext const &context)
+{
+    if (!context.GetJsonContext().IsStrict())
+    {
+        CXmlObjectBase::FromJson(text, context);
+        return;
+    }
+    CheckVersion();
+    CXmlDocument translation(context);
+    CBinaryData const xml = translation.LoadJson(text);
+    CXmlDocument document(context);
+    document.LoadXmlStream(const_cast<unsigned char *>(xml.GetData()), xml.GetLength());
     CXmlElement *root = document.GetDocumentElement();
     FromXml_Int(root, root, context, false);
 }

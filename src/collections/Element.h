@@ -50,6 +50,12 @@ public:
     // (It hides the inherited forms, which would read the document element's
     // first child rather than the document element.)
     void FromXml(char const *xml);
+    // With strict JSON, the element of the document's one key is read into
+    // this element, as FromXml reads the document element; otherwise the
+    // inherited reading.
+    using CXmlObjectBase::FromJson;
+    void FromJson(char const *text, CSerializationContext const &context =
+                                        CSerializationContext::GetDefaultContext()) override;
 
     // Tests this element, its attributes and, recursively, its children
     // against another wildcard, storing nothing. A failure of the element
