@@ -209,3 +209,161 @@ TEST_F(StrictJson, EveryShapeHasOneTextThatPythonAcceptsAndThatReadsBack)
 }
 
 } // namespace
+
+namespace
+{
+std::vector<fs::path> CorpusDocuments()
+{
+    fs::path const tests = fs::path(MX_TEST_DATA_DIR).parent_path().parent_path();
+    std::vector<fs::path> documents;
+    for (char const *corpus : {"collections", "fastinfoset", "document"})
+        for (auto const &entry : fs::directory_iterator(tests / corpus / "data"))
+        {
+            std::string const name = entry.path().filename().string();
+            if (entry.path().extension() == ".xml" && name.find(".expected.") == std::string::npos)
+                documents.push_back(entry.path());
+        }
+    std::sort(documents.begin(), documents.end());
+    return documents;
+}
+} // namespace
+
+// Every XML document that the untyped tree reads in the other suites, in every
+// round trip level that keeps what it holds, formatted and not.
+TEST_F(StrictJson, CorpusDocumentsComeBackThroughTheUntypedTree)
+{
+    std::vector<fs::path> const documents = CorpusDocuments();
+    ASSERT_GE(documents.size(), 30u);
+    std::vector<std::string> texts, labels;
+    for (fs::path const &document : documents)
+        for (bool formatted : {false, true})
+        {
+            std::string const label = document.parent_path().parent_path().filename().string() + "/" +
+                                      document.filename().string() + (formatted ? ", formatted" : "");
+            SCOPED_TRACE(label);
+            CSerializationContext const context = StrictContext(RoundTripFull);
+            std::string json;
+            std::string const error =
+                ErrorOf([&] { json = StrictRoundTrip(&NewElement, ReadFile(document.string()), context, formatted); });
+            EXPECT_EQ("no error", error);
+            texts.push_back(json);
+            labels.push_back(label);
+        }
+    ExpectPythonAccepts(texts, labels);
+}
+
+// The deepest tree the XML reader takes comes back; one level more is refused
+// by the strict reader itself, with the path.
+TEST_F(StrictJson, NestingAtTheLimitOfTheXmlReader)
+{
+    std::size_t const limit = CXmlDocument::kMaxElementDepth;
+    std::string xml;
+    for (std::size_t i = 0; i < limit; ++i)
+        xml += "<e a=\"1\">";
+    for (std::size_t i = 0; i < limit; ++i)
+        xml += "</e>";
+    CSerializationContext const context = StrictContext(RoundTripAttributes);
+    std::string const json = StrictRoundTrip(&NewElement, xml, context, false);
+    EXPECT_EQ(limit * std::string("{\"e\":{\"@a\":\"1\"").size() + 1 + (limit - 1) + 1, json.size());
+
+    std::string deeper;
+    for (std::size_t i = 0; i <= limit; ++i)
+        deeper += "{\"e\":";
+    deeper += "1" + std::string(limit + 1, '}');
+    CSmartPtr<CElement> element(new CElement("unread"));
+    std::string const error = ErrorOf([&] { element->FromJson(deeper.c_str(), context); });
+    EXPECT_EQ(0u, error.find("validation: Strict JSON: elements nest deeper than the XML reader takes at line 1, "
+                             "position 10245.\nPath: $.e.e.e."))
+        << error.substr(0, 200);
+}
+
+struct Malformed
+{
+    char const *json;
+    char const *error;
+};
+
+Malformed const kMalformed[] = {
+    {"{\"a\":1} x",
+     "validation: Strict JSON: text follows the document at line 1, position 8.\nPath: $"},
+    {"{\"a\":1,\"b\":2}",
+     "validation: Strict JSON: a document has one key, its root element at line 1, position 6.\nPath: $.a"},
+    {"[1]",
+     "validation: Strict JSON: expected '{' to open the document at line 1, position 0.\nPath: $"},
+    {"// note\n{\"a\":1}",
+     "validation: Strict JSON: expected '{' to open the document at line 1, position 0.\nPath: $"},
+    {"{\"a\":[1,2]}",
+     "validation: Strict JSON: an array holds the repeats of a key and cannot be an element's value at line 1, position 5.\nPath: $.a"},
+    {"{\"a\":{\"b\":[]}}",
+     "validation: Strict JSON: an array of repeats cannot be empty at line 1, position 11.\nPath: $.a.b"},
+    {"{\"a\":{\"b\":[1,[2]]}}",
+     "validation: Strict JSON: an array holds the repeats of a key and cannot be an element's value at line 1, position 13.\nPath: $.a.b[1]"},
+    {"{\"a\":{\"b\":1,\"@c\":2}}",
+     "validation: Strict JSON: an attribute follows the content of its element at line 1, position 17.\nPath: $.a.@c"},
+    {"{\"a\":{\"@c\":null}}",
+     "validation: Strict JSON: an attribute takes a string, number or boolean at line 1, position 11.\nPath: $.a.@c"},
+    {"{\"a\":{\"#seq\":[{\"b\":1,\"c\":2}]}}",
+     "validation: Strict JSON: an entry of \"#seq\" is an object with one key at line 1, position 20.\nPath: $.a.#seq[0]"},
+    {"{\"a\":{\"#seq\":{\"b\":1}}}",
+     "validation: Strict JSON: \"#seq\" takes an array at line 1, position 13.\nPath: $.a.#seq"},
+    {"{\"a\":{\"#other\":1}}",
+     "validation: Strict JSON: unknown key at line 1, position 15.\nPath: $.a.#other"},
+    {"{\"a b\":1}",
+     "validation: Strict JSON: the key is no XML name at line 1, position 6.\nPath: $.a b"},
+    {"{\"a\":{\"p:q:r\":1}}",
+     "validation: Strict JSON: the key is no XML name at line 1, position 14.\nPath: $.a.p:q:r"},
+    {"{\"a\":\"\\u0001\"}",
+     "validation: Strict JSON: the text holds a control character that XML cannot carry at line 1, position 13.\nPath: $.a"},
+    {"{\"a\":\"\\ud800x\"}",
+     "validation: Strict JSON: a high surrogate without a low one at line 1, position 12.\nPath: $.a"},
+    {"{\"a\":\"\\x\"}",
+     "validation: Strict JSON: an invalid escape in a string at line 1, position 7.\nPath: $.a"},
+    {"{\"a\":\"tab\there\"}",
+     "validation: Strict JSON: a control character must be escaped in a string at line 1, position 9.\nPath: $.a"},
+    {"{\"a\":\"open",
+     "validation: Strict JSON: the text ends inside a string at line 1, position 10.\nPath: $.a"},
+    {"{\"a\":NaN}",
+     "validation: Strict JSON: expected a value at line 1, position 5.\nPath: $.a"},
+    {"{\"a\":01}",
+     "validation: Strict JSON: expected '}' to close the document at line 1, position 6.\nPath: $.a"},
+    {"{\"a\":-}",
+     "validation: Strict JSON: expected a digit at line 1, position 6.\nPath: $.a"},
+    {"{\"a\":1.}",
+     "validation: Strict JSON: expected a digit at line 1, position 7.\nPath: $.a"},
+    {"{\"a\":tru}",
+     "validation: Strict JSON: expected a value at line 1, position 5.\nPath: $.a"},
+    {"{\"a\":{\"b\":1",
+     "validation: Strict JSON: expected ',' or '}' in an object at line 1, position 11.\nPath: $.a"},
+};
+
+TEST_F(StrictJson, MalformedOrUnexpectedJsonFailsWithTheJsonPath)
+{
+    CSerializationContext const context = StrictContext(RoundTripFull);
+    for (Malformed const &c : kMalformed)
+    {
+        SCOPED_TRACE(c.json);
+        CSmartPtr<CElement> element(new CElement("unread"));
+        EXPECT_EQ(c.error, ErrorOf([&] { element->FromJson(c.json, context); }));
+    }
+}
+
+// Strict reading takes the root element name and the byte entries as the
+// specified reading does; null is a nil element.
+TEST_F(StrictJson, RootNameNullAndByteInput)
+{
+    CSerializationContext context = StrictContext(RoundTripFull);
+    context.GetJsonContext().SetRootElementName("r");
+    CSmartPtr<CElement> element(new CElement("unread"));
+    element->FromJson("{\"@x\":\"1\",\"n\":null,\"v\":[true,-2.5e3]}", context);
+    EXPECT_EQ("<r x=\"1\"><n xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:nil=\"true\"/><v>true</v>"
+              "<v>-2.5e3</v></r>",
+              element->ToXml(false, false, LF, context));
+    // Byte input drops a byte order mark; escapes decode to UTF-8. The frame
+    // of the byte entries reads the first child of the document element.
+    CSerializationContext const plain = StrictContext(RoundTripFull);
+    CBinaryData bytes;
+    bytes.SetBuffer("\xEF\xBB\xBF{\"r\":{\"s\":\"\\u00e9\\ud83d\\ude00\"}}");
+    CSmartPtr<CElement> child(new CElement("unread"));
+    child->FromJsonStream(bytes, plain);
+    EXPECT_EQ("<s>\xC3\xA9\xF0\x9F\x98\x80</s>", child->ToXml(false, false, LF, plain));
+}
