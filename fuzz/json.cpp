@@ -2,8 +2,9 @@
 // and the XML reading of an untyped element: every input ends in an object or
 // a CMxException. The first byte picks the round trip mode, comments, a root
 // element name and the wide entry; what was read is written back as JSON.
-// With the top bit the strict reader and writer run instead, and what they
-// read must come back from their own output as the same XML.
+// With the top bit the strict reader and writer run instead, and with full
+// round trips what they read must come back from their own output as the
+// same XML (the other levels drop namespaces on purpose).
 
 #include "MxXmlLib.h"
 #include "collections/Element.h"
@@ -41,7 +42,8 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const *data, size_t size)
             std::string const json = element->ToJson((options & 32) != 0, LF, context);
             CSmartPtr<CElement> again(new CElement("unread"));
             again->FromJson(json.c_str(), context);
-            if (again->ToXml(false, false, LF, context) != xml)
+            if (context.GetJsonContext().GetSupportRoundtrip() == RoundTripFull &&
+                again->ToXml(false, false, LF, context) != xml)
                 std::abort();
         }
         catch (CMxException const &)
