@@ -8,8 +8,10 @@
 
 #include "collections/Element.h"
 #include "json/JsonContext.h"
+#include "json/JsonStrictWriter.h"
 #include "model/Model.h"
 #include "runtime/MxException.h"
+#include "runtime/TextStream.h"
 
 #include <gtest/gtest.h>
 
@@ -366,4 +368,78 @@ TEST_F(StrictJson, RootNameNullAndByteInput)
     CSmartPtr<CElement> child(new CElement("unread"));
     child->FromJsonStream(bytes, plain);
     EXPECT_EQ("<s>\xC3\xA9\xF0\x9F\x98\x80</s>", child->ToXml(false, false, LF, plain));
+}
+
+// Numbers and booleans stay unquoted only where the item type says so and the
+// text is a JSON token; whatever is written reads back as the same text.
+struct ValueCase
+{
+    char const *text;
+    ItemType type;
+    char const *json;
+};
+
+ValueCase const kValues[] = {
+    {"12.50", ItemType_decimal, "12.50"},     {"-0", ItemType_i4, "-0"},
+    {"1.5E+10", ItemType_r8, "1.5E+10"},      {"123456789012345678901234567890", ItemType_integer, "123456789012345678901234567890"},
+    {"true", ItemType_boolean, "true"},       {"1", ItemType_boolean, "\"1\""},
+    {"INF", ItemType_r8, "\"INF\""},          {"-INF", ItemType_r4, "\"-INF\""},
+    {"NaN", ItemType_r8, "\"NaN\""},          {"007", ItemType_i4, "\"007\""},
+    {"+1", ItemType_i4, "\"+1\""},            {"1.", ItemType_r8, "\"1.\""},
+    {".5", ItemType_r8, "\".5\""},            {"1e5", ItemType_string, "\"1e5\""},
+    {"2026-11-25", ItemType_date, "\"2026-11-25\""},
+    {"\x01\x1F\x7F\xC3\xA9", ItemType_string, "\"\\u0001\\u001f\x7F\xC3\xA9\""},
+};
+
+TEST_F(StrictJson, ValuesAreBareOnlyWhereTheTypeAndTheTextAllow)
+{
+    std::vector<std::string> texts, labels;
+    for (ValueCase const &c : kValues)
+    {
+        SCOPED_TRACE(c.text);
+        CTextStream stream;
+        CJsonStrictWriter writer(&stream);
+        writer.SetFormatted(false);
+        stream.Start();
+        writer.WriteDocumentStart();
+        writer.StartElement("v", "");
+        writer.WriteText(c.text, c.type, false);
+        writer.EndElement();
+        writer.WriteDocumentEnd();
+        stream.End();
+        std::string const json = stream.TextAsString();
+        EXPECT_EQ(std::string("{\"v\":") + c.json + "}", json);
+        texts.push_back(json);
+        labels.push_back(c.text);
+        if (c.text[0] == '\x01')
+            continue; // XML cannot carry the control characters back
+        CSmartPtr<CElement> element(new CElement("unread"));
+        element->FromJson(json.c_str(), StrictContext(RoundTripFull));
+        EXPECT_EQ(c.text, element->GetText());
+    }
+    ExpectPythonAccepts(texts, labels);
+}
+
+// Every level writes valid JSON for every shape, though only the full one
+// keeps namespaces, xsi:type and xsi:nil; the setting is off by default and
+// shared by copies of a context.
+TEST_F(StrictJson, EveryRoundTripLevelWritesValidJson)
+{
+    EXPECT_FALSE(CSerializationContext().GetJsonContext().IsStrict());
+    CJsonContext copy(StrictContext(RoundTripNone).GetJsonContext());
+    EXPECT_TRUE(copy.IsStrict());
+    std::vector<std::string> texts, labels;
+    for (Shape const &shape : kShapes)
+        for (JsonRoundTrip mode : {RoundTripNone, RoundTripAttributes, RoundTripFull})
+        {
+            std::string const label = std::string(shape.label) + ", level " + std::to_string(mode);
+            SCOPED_TRACE(label);
+            CSerializationContext context = StrictContext(mode);
+            context.GetNamespaceAliases().Add("xsi", kXsi);
+            CSmartPtr<CXmlObjectBase> object = shape.make();
+            ReadXml(*object, shape.xml, context);
+            texts.push_back(object->ToJson(true, CRLF, context));
+            labels.push_back(label);
+        }
+    ExpectPythonAccepts(texts, labels);
 }
