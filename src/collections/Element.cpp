@@ -151,6 +151,14 @@ void CElement::FromXml(char const *xml)
     FromXml_Int(root, root, context, false);
 }
 
+void CElement::FromStrictJsonTranslation(CBinaryData const &xml, CSerializationContext const &context)
+{
+    CXmlDocument document(context);
+    document.LoadXmlStream(const_cast<unsigned char *>(xml.GetData()), xml.GetLength());
+    CXmlElement *root = document.GetDocumentElement();
+    FromXml_Int(root, root, context, false);
+}
+
 void CElement::FromJson(char const *text, CSerializationContext const &context)
 {
     if (!context.GetJsonContext().IsStrict())
@@ -160,11 +168,31 @@ void CElement::FromJson(char const *text, CSerializationContext const &context)
     }
     CheckVersion();
     CXmlDocument translation(context);
-    CBinaryData const xml = translation.LoadJson(text);
-    CXmlDocument document(context);
-    document.LoadXmlStream(const_cast<unsigned char *>(xml.GetData()), xml.GetLength());
-    CXmlElement *root = document.GetDocumentElement();
-    FromXml_Int(root, root, context, false);
+    FromStrictJsonTranslation(translation.LoadJson(text), context);
+}
+
+void CElement::FromJsonStream(unsigned char *const bytes, unsigned long length, CSerializationContext const &context)
+{
+    if (!context.GetJsonContext().IsStrict())
+    {
+        CXmlObjectBase::FromJsonStream(bytes, length, context);
+        return;
+    }
+    CheckVersion();
+    CXmlDocument translation(context);
+    FromStrictJsonTranslation(translation.LoadJsonStream(bytes, length), context);
+}
+
+void CElement::FromJsonFile(char const *fileName, CSerializationContext const &context)
+{
+    if (!context.GetJsonContext().IsStrict())
+    {
+        CXmlObjectBase::FromJsonFile(fileName, context);
+        return;
+    }
+    CheckVersion();
+    CXmlDocument translation(context);
+    FromStrictJsonTranslation(translation.LoadJsonFile(fileName), context);
 }
 
 void CElement::CopyXmlElement(CXmlElement *source)

@@ -360,14 +360,24 @@ TEST_F(StrictJson, RootNameNullAndByteInput)
     EXPECT_EQ("<r x=\"1\"><n xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:nil=\"true\"/><v>true</v>"
               "<v>-2.5e3</v></r>",
               element->ToXml(false, false, LF, context));
-    // Byte input drops a byte order mark; escapes decode to UTF-8. The frame
-    // of the byte entries reads the first child of the document element.
+    // Byte and file input drop a byte order mark; escapes decode
+    // to UTF-8; the untyped tree reads the document element, as from text.
     CSerializationContext const plain = StrictContext(RoundTripFull);
+    std::string const json = "\xEF\xBB\xBF{\"r\":{\"s\":\"\\u00e9\\ud83d\\ude00\"}}";
+    std::string const path = (fs::temp_directory_path() / ("mx-strict-" + std::to_string(::getpid()))).string();
+    WriteFile(path, json);
     CBinaryData bytes;
-    bytes.SetBuffer("\xEF\xBB\xBF{\"r\":{\"s\":\"\\u00e9\\ud83d\\ude00\"}}");
-    CSmartPtr<CElement> child(new CElement("unread"));
-    child->FromJsonStream(bytes, plain);
-    EXPECT_EQ("<s>\xC3\xA9\xF0\x9F\x98\x80</s>", child->ToXml(false, false, LF, plain));
+    bytes.SetBuffer(json.c_str());
+    for (int entry = 0; entry < 2; ++entry)
+    {
+        CSmartPtr<CElement> read(new CElement("unread"));
+        if (entry == 0)
+            read->FromJsonStream(bytes, plain);
+        else
+            read->FromJsonFile(path.c_str(), plain);
+        EXPECT_EQ("<r><s>\xC3\xA9\xF0\x9F\x98\x80</s></r>", read->ToXml(false, false, LF, plain));
+    }
+    fs::remove(path);
 }
 
 // Numbers and booleans stay unquoted only where the item type says so and the
