@@ -218,8 +218,10 @@ std::vector<fs::path> CorpusDocuments()
 {
     fs::path const tests = fs::path(MX_TEST_DATA_DIR).parent_path().parent_path();
     std::vector<fs::path> documents;
-    for (char const *corpus : {"collections", "fastinfoset", "document"})
-        for (auto const &entry : fs::directory_iterator(tests / corpus / "data"))
+    for (fs::path const &folder : {tests / "collections" / "data", tests / "fastinfoset" / "data",
+                                   tests / "document" / "data", tests / "json" / "data",
+                                   tests.parent_path() / "examples" / "data"})
+        for (auto const &entry : fs::directory_iterator(folder))
         {
             std::string const name = entry.path().filename().string();
             if (entry.path().extension() == ".xml" && name.find(".expected.") == std::string::npos)
@@ -230,12 +232,12 @@ std::vector<fs::path> CorpusDocuments()
 }
 } // namespace
 
-// Every XML document that the untyped tree reads in the other suites, in every
-// round trip level that keeps what it holds, formatted and not.
+// Every XML document of the suites' corpora and the example's order, read by
+// the untyped tree, formatted and not.
 TEST_F(StrictJson, CorpusDocumentsComeBackThroughTheUntypedTree)
 {
     std::vector<fs::path> const documents = CorpusDocuments();
-    ASSERT_GE(documents.size(), 30u);
+    ASSERT_GE(documents.size(), 50u);
     std::vector<std::string> texts, labels;
     for (fs::path const &document : documents)
         for (bool formatted : {false, true})
