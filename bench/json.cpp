@@ -1,7 +1,10 @@
 // JSON output and input of the purchase-order model of examples/, from a
 // generated document of about 10 MB: MB/s of ToJson and FromJson, and their
-// ratios to ToXml and FromXml of the same objects in the same run. The JSON
-// read back must give the same XML as the original, or the run fails.
+// ratios to ToXml and FromXml of the same objects in the same run; then the
+// strict mode against the specified one (ToJson, goal at least 0.8 of its
+// speed) and against FromXml (FromJson, goal at least 0.8 of its speed). The
+// JSON of both modes read back must give the same XML as the original, or
+// the run fails.
 //
 //   scripts/bench.sh json [size in MB]
 
@@ -90,9 +93,23 @@ int main(int argc, char **argv)
             read->FromJson(json.c_str(), context);
         });
 
+        // A copy would share the JSON options; the strict calls get their own.
+        CSerializationContext strict;
+        strict.GetNamespaceAliases().Add("po", Example::kPoNamespace);
+        strict.GetJsonContext().SetStrict(true);
+        std::string const strictJson = order->ToJson(true, LF, strict);
+        double const toStrict = Best(runs, [&] { (void)order->ToJson(true, LF, strict); });
+        double const fromStrict = Best(runs, [&] {
+            CSmartPtr<CPurchaseOrder> read(new CPurchaseOrder);
+            read->FromJson(strictJson.c_str(), strict);
+        });
+
         CSmartPtr<CPurchaseOrder> again(new CPurchaseOrder);
         again->FromJson(json.c_str(), context);
-        bool const same = again->ToXml(false, true, LF, context) == xml;
+        bool same = again->ToXml(false, true, LF, context) == xml;
+        CSmartPtr<CPurchaseOrder> strictAgain(new CPurchaseOrder);
+        strictAgain->FromJson(strictJson.c_str(), strict);
+        same = same && strictAgain->ToXml(false, true, LF, context) == xml;
 
         std::printf("purchase order: %d items, XML %.1f MB, JSON %.1f MB (best of %d)\n", order->items->items->GetCount(),
                     static_cast<double>(xml.size()) / 1048576.0, static_cast<double>(json.size()) / 1048576.0, runs);
@@ -104,7 +121,12 @@ int main(int argc, char **argv)
         std::printf("%-10s %10.1f %10.1f %11.2fx\n", "FromJson", MBps(json.size(), fromJson), fromJson * 1e3,
                     fromJson / fromXml);
         std::printf("(JSON / XML: time of the JSON call over the XML call on the same objects)\n");
-        std::printf("round trip through JSON gives the same XML: %s\n", same ? "yes" : "NO");
+        std::printf("strict JSON %.1f MB\n", static_cast<double>(strictJson.size()) / 1048576.0);
+        std::printf("%-16s %10.1f %10.1f   speed %.2f of specified ToJson (goal >= 0.80)\n", "ToJson strict",
+                    MBps(strictJson.size(), toStrict), toStrict * 1e3, toJson / toStrict);
+        std::printf("%-16s %10.1f %10.1f   speed %.2f of FromXml (goal >= 0.80)\n", "FromJson strict",
+                    MBps(strictJson.size(), fromStrict), fromStrict * 1e3, fromXml / fromStrict);
+        std::printf("round trip through JSON (both modes) gives the same XML: %s\n", same ? "yes" : "NO");
         return same ? 0 : 1;
     }
     catch (CMxException const &e)

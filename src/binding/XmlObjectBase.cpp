@@ -7,7 +7,7 @@
 #include "fastinfoset/FastInfosetContext.h"
 #include "fastinfoset/FastInfosetWriter.h"
 #include "json/JsonContext.h"
-#include "json/JsonTextWriter.h"
+#include "json/JsonStrictWriter.h"
 #include "metadata/NamespaceRules.h"
 #include "runtime/BinaryStream.h"
 #include "runtime/Compression.h"
@@ -230,7 +230,8 @@ void CXmlObjectBase::FromXmlFile(char const *fileName, CSerializationContext con
 void CXmlObjectBase::WriteJsonText(CTextStream &stream, bool formatted, EOLType eolType,
                                    CSerializationContext const &context) const
 {
-    CJsonTextWriter writer(&stream);
+    std::unique_ptr<CJsonTextWriter> const made = CreateJsonWriter(&stream, context.GetJsonContext());
+    CJsonTextWriter &writer = *made;
     stream.Start();
     writer.SetFormatted(formatted);
     writer.SetIndentChars(context.GetIndentChars());

@@ -2,6 +2,7 @@
 
 #include "document/XmlDocument.h"
 #include "document/XmlTextWriter.h"
+#include "json/JsonContext.h"
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
 #include "runtime/TextStream.h"
@@ -152,6 +153,50 @@ void CElement::FromXmlDocument(char const *xml, CSerializationContext const &con
     document.LoadXml(xml);
     CXmlElement *root = document.GetDocumentElement();
     FromXml_Int(root, root, context, false);
+}
+
+void CElement::FromStrictJsonTranslation(CBinaryData const &xml, CSerializationContext const &context)
+{
+    CXmlDocument document(context);
+    document.LoadXmlStream(const_cast<unsigned char *>(xml.GetData()), xml.GetLength());
+    CXmlElement *root = document.GetDocumentElement();
+    FromXml_Int(root, root, context, false);
+}
+
+void CElement::FromJson(char const *text, CSerializationContext const &context)
+{
+    if (!context.GetJsonContext().IsStrict())
+    {
+        CXmlObjectBase::FromJson(text, context);
+        return;
+    }
+    CheckVersion();
+    CXmlDocument translation(context);
+    FromStrictJsonTranslation(translation.LoadJson(text), context);
+}
+
+void CElement::FromJsonStream(unsigned char *const bytes, unsigned long length, CSerializationContext const &context)
+{
+    if (!context.GetJsonContext().IsStrict())
+    {
+        CXmlObjectBase::FromJsonStream(bytes, length, context);
+        return;
+    }
+    CheckVersion();
+    CXmlDocument translation(context);
+    FromStrictJsonTranslation(translation.LoadJsonStream(bytes, length), context);
+}
+
+void CElement::FromJsonFile(char const *fileName, CSerializationContext const &context)
+{
+    if (!context.GetJsonContext().IsStrict())
+    {
+        CXmlObjectBase::FromJsonFile(fileName, context);
+        return;
+    }
+    CheckVersion();
+    CXmlDocument translation(context);
+    FromStrictJsonTranslation(translation.LoadJsonFile(fileName), context);
 }
 
 void CElement::CopyXmlElement(CXmlElement *source)

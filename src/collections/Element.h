@@ -56,6 +56,17 @@ public:
     // FromXml with a context would override the inherited virtual form and
     // change what that form reads.
     void FromXmlDocument(char const *xml, CSerializationContext const &context);
+    // With strict JSON, the element of the document's one key is read into
+    // this element, as FromXml reads the document element; otherwise the
+    // inherited reading (which takes the document element's first child).
+    using CXmlObjectBase::FromJson;
+    using CXmlObjectBase::FromJsonStream;
+    void FromJson(char const *text, CSerializationContext const &context =
+                                        CSerializationContext::GetDefaultContext()) override;
+    void FromJsonStream(unsigned char *const bytes, unsigned long length,
+                        CSerializationContext const &context = CSerializationContext::GetDefaultContext()) override;
+    void FromJsonFile(char const *fileName,
+                      CSerializationContext const &context = CSerializationContext::GetDefaultContext()) override;
 
     // Tests this element, its attributes and, recursively, its children
     // against another wildcard, storing nothing. A failure of the element
@@ -97,6 +108,8 @@ protected:
     void FireOnChangeText() {}
 
 private:
+    // Reads the XML translation of strict JSON, document element included.
+    void FromStrictJsonTranslation(CBinaryData const &xml, CSerializationContext const &context);
     void ToXmlWithDefaultNamespace(CXmlWriter *writer, CSerializationContext const &context,
                                    bool optionalChoice) const;
 

@@ -1,6 +1,7 @@
 #include "collections/ElementCol.h"
 
 #include "document/XmlDocument.h"
+#include "json/JsonStrictWriter.h"
 #include "runtime/MxException.h"
 
 namespace MxXmlLib
@@ -94,8 +95,32 @@ void CElementCol::ToXml_Int(CXmlWriter *writer, bool, char const *namespaceUri,
                             CSerializationContext const &context, bool) const
 {
     ValidateCount(context);
-    for (CNode const *node = GetFirstNode(); node; node = node->next)
-        CXmlObjectBase::ToXml_Int(node->item, writer, false, namespaceUri, context, false);
+    // Strict JSON groups repeated elements into an array only where a run of
+    // them is announced, as the element rows announce their collections. Here
+    // runs of one name are announced to that writer alone, and only when the
+    // collection as a whole is not: other writers see the items as always.
+    using Context = CXmlWriter::CXmlWriterContext;
+    Context *announce = dynamic_cast<CJsonStrictWriter *>(writer) ? writer->GetCurrentContext() : nullptr;
+    if (announce && announce->ArrayState != Context::ArrayNone)
+        announce = nullptr;
+    for (CNode const *node = GetFirstNode(); node;)
+    {
+        CNode const *end = node->next;
+        if (announce)
+        {
+            auto const *first = static_cast<CElement const *>(node->item.Get());
+            while (end && static_cast<CElement const *>(end->item.Get())->GetName() == first->GetName() &&
+                   end->item->GetNamespace() == first->GetNamespace())
+                end = end->next;
+        }
+        bool const run = announce && end != node->next;
+        if (run)
+            announce->ArrayState = Context::ArrayPending;
+        for (; node != end; node = node->next)
+            CXmlObjectBase::ToXml_Int(node->item, writer, false, namespaceUri, context, false);
+        if (run)
+            announce->ArrayState = Context::ArrayClosing;
+    }
 }
 
 CXmlElement *CElementCol::FromXml_Int(CXmlElement *parent, CXmlElement *current,

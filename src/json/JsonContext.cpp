@@ -3,11 +3,11 @@
 namespace MxXmlLib
 {
 
-CJsonContext::CJsonContext() : m_supportRoundtrip(RoundTripFull), m_allowComments(true) {}
+CJsonContext::CJsonContext() : m_supportRoundtrip(RoundTripFull), m_allowComments(true), m_strict(false) {}
 
 CJsonContext::CJsonContext(CJsonContext const &other)
     : m_supportRoundtrip(other.m_supportRoundtrip), m_rootElementName(other.m_rootElementName),
-      m_allowComments(other.m_allowComments)
+      m_allowComments(other.m_allowComments), m_strict(other.m_strict)
 {
 }
 
@@ -16,6 +16,7 @@ CJsonContext &CJsonContext::operator=(CJsonContext const &other)
     m_supportRoundtrip = other.m_supportRoundtrip;
     m_rootElementName = other.m_rootElementName;
     m_allowComments = other.m_allowComments;
+    m_strict = other.m_strict;
     return *this;
 }
 

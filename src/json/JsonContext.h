@@ -36,10 +36,19 @@ public:
     bool GetAllowComments() const { return m_allowComments; }
     void GetAllowComments(bool value) { m_allowComments = value; }
 
+    // Off by default. On, ToJson writes RFC 8259 JSON for every document
+    // (arrays for repeated elements, escaped strings, a value for every key)
+    // and FromJson reads exactly that form, refusing anything else with a
+    // CMxValidationException that names the JSON path. docs/json.md has the
+    // mapping.
+    bool IsStrict() const { return m_strict; }
+    void SetStrict(bool value) { m_strict = value; }
+
 private:
     JsonRoundTrip m_supportRoundtrip;
     std::string m_rootElementName;
     bool m_allowComments;
+    bool m_strict;
 };
 
 } // namespace MxXmlLib

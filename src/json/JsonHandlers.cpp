@@ -1,6 +1,7 @@
 #include "json/JsonHandlers.h"
 
 #include "document/XmlTextWriter.h"
+#include "json/JsonStrictReader.h"
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
 #include "runtime/TextStream.h"
@@ -310,6 +311,13 @@ void CJsonReaderToXmlHandler::OnEndArray()
 
 CBinaryData ConvertJsonToXml(std::string const &json, CSerializationContext const &context)
 {
+    if (context.GetJsonContext().IsStrict())
+    {
+        std::string const xml = ConvertStrictJsonToXml(json, context.GetJsonContext());
+        CBinaryData result;
+        result.SetBuffer(reinterpret_cast<unsigned char const *>(xml.data()), static_cast<unsigned long>(xml.size()));
+        return result;
+    }
     CTextStream stream;
     CXmlTextWriter writer(&stream);
     writer.SetIndent("\t");

@@ -109,7 +109,7 @@ private:
 };
 
 // JSON text (local encoding) to XML text, with the options of the context's
-// JSON context (made if absent). JSON syntax errors raise
+// JSON context (made if absent); strict JSON goes to ConvertStrictJsonToXml. JSON syntax errors raise
 // CMxValidationException; an element left open raises
 // "An Element has not been closed.".
 CBinaryData ConvertJsonToXml(std::string const &json, CSerializationContext const &context);

@@ -53,7 +53,7 @@ public:
     void WriteDocumentStart();
     void WriteDocumentEnd();
 
-private:
+protected:
     using Context = CXmlWriterContext;
 
     void Put(char c) { m_stream->Put(c); }
