@@ -784,7 +784,7 @@ CSmartPtr<CXmlObjectBase> CSchemaSet::CreateFor(CXmlElement *root) const
 namespace
 {
 // Parses XML text or Fast Infoset, maybe compressed, or JSON by its XML
-// translation, into `document`.
+// translation (strict or not as the document's context says), into `document`.
 void LoadDocument(CXmlDocument &document, CBinaryData const &bytes)
 {
     CBinaryData plain(bytes);
@@ -814,7 +814,7 @@ CSmartPtr<CXmlObjectBase> ReadInto(CSmartPtr<CXmlObjectBase> made, CXmlElement *
 
 CSmartPtr<CXmlObjectBase> CSchemaSet::Read(CBinaryData const &bytes, CSerializationContext const &context) const
 {
-    CXmlDocument document;
+    CXmlDocument document(context);
     LoadDocument(document, bytes);
     CXmlElement *root = document.GetDocumentElement();
     return ReadInto(CreateFor(root), root, context);
@@ -822,7 +822,7 @@ CSmartPtr<CXmlObjectBase> CSchemaSet::Read(CBinaryData const &bytes, CSerializat
 
 CSmartPtr<CXmlObjectBase> ReadUntyped(CBinaryData const &bytes, CSerializationContext const &context)
 {
-    CXmlDocument document;
+    CXmlDocument document(context);
     LoadDocument(document, bytes);
     CXmlElement *root = document.GetDocumentElement();
     return ReadInto(new CElement("document"), root, context);

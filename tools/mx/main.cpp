@@ -181,8 +181,7 @@ std::string OutputFormat(Options &o, std::string const &out)
 // JSON that any parser accepts and that reads back to the same document.
 void UseStrictJson(CSerializationContext &context)
 {
-    // STRICT-JSON context.GetJsonContext().SetStrict(true);
-    (void)context;
+    context.GetJsonContext().SetStrict(true);
 }
 
 int Convert(std::vector<std::string> const &args)
