@@ -467,11 +467,21 @@ CDecimal CDecimal::operator--(int) const
 
 // --- comparison -------------------------------------------------------------------
 
-bool CDecimal::operator==(CDecimal const &other) const
+// Normalising only scales the fraction parts: the integer parts compare as
+// they stand, and copies are made only when they are equal.
+template <typename Compare> bool CDecimal::CompareFractions(CDecimal const &other, Compare compare) const
 {
+    if (fractionDivider == other.fractionDivider)
+        return compare(fractionPart, other.fractionPart);
     CDecimal a(*this), b(other);
     Normalize(a, b);
-    return a.integerPart == b.integerPart && a.fractionPart == b.fractionPart;
+    return compare(a.fractionPart, b.fractionPart);
+}
+
+bool CDecimal::operator==(CDecimal const &other) const
+{
+    return integerPart == other.integerPart &&
+           CompareFractions(other, [](CBigInteger const &x, CBigInteger const &y) { return x == y; });
 }
 
 bool CDecimal::operator!=(CDecimal const &other) const
@@ -481,30 +491,30 @@ bool CDecimal::operator!=(CDecimal const &other) const
 
 bool CDecimal::operator<(CDecimal const &other) const
 {
-    CDecimal a(*this), b(other);
-    Normalize(a, b);
-    return a.integerPart < b.integerPart || (a.integerPart == b.integerPart && a.fractionPart < b.fractionPart);
+    return integerPart < other.integerPart ||
+           (integerPart == other.integerPart &&
+            CompareFractions(other, [](CBigInteger const &x, CBigInteger const &y) { return x < y; }));
 }
 
 bool CDecimal::operator>(CDecimal const &other) const
 {
-    CDecimal a(*this), b(other);
-    Normalize(a, b);
-    return a.integerPart > b.integerPart || (a.integerPart == b.integerPart && a.fractionPart > b.fractionPart);
+    return integerPart > other.integerPart ||
+           (integerPart == other.integerPart &&
+            CompareFractions(other, [](CBigInteger const &x, CBigInteger const &y) { return x > y; }));
 }
 
 bool CDecimal::operator<=(CDecimal const &other) const
 {
-    CDecimal a(*this), b(other);
-    Normalize(a, b);
-    return a.integerPart < b.integerPart || (a.integerPart == b.integerPart && a.fractionPart <= b.fractionPart);
+    return integerPart < other.integerPart ||
+           (integerPart == other.integerPart &&
+            CompareFractions(other, [](CBigInteger const &x, CBigInteger const &y) { return x <= y; }));
 }
 
 bool CDecimal::operator>=(CDecimal const &other) const
 {
-    CDecimal a(*this), b(other);
-    Normalize(a, b);
-    return a.integerPart > b.integerPart || (a.integerPart == b.integerPart && a.fractionPart >= b.fractionPart);
+    return integerPart > other.integerPart ||
+           (integerPart == other.integerPart &&
+            CompareFractions(other, [](CBigInteger const &x, CBigInteger const &y) { return x >= y; }));
 }
 
 // --- machine numbers ------------------------------------------------------------

@@ -194,10 +194,9 @@ void CheckString(char const *name, std::string const &value, CPrimitiveRestricti
     CheckLengths(facets, value.size(), fail);
     if (facets.pattern.empty())
         return;
-    CBinaryData const utf8 = LocalToUtf8(facets.pattern.c_str());
-    std::string const pattern = utf8.GetData() ? std::string(reinterpret_cast<char const *>(utf8.GetData()),
-                                                             utf8.GetLength())
-                                               : std::string();
+    std::string converted;
+    std::string_view const utf8 = LocalToUtf8View(facets.pattern, converted);
+    std::string const pattern(utf8);
     bool matches;
     try
     {
@@ -295,7 +294,7 @@ void CheckPrimitiveFacets(char const *name, MxVariant const &value, ItemType typ
     case ItemType_time:
         return CheckDate(name, value, facets, C::timeFromString);
     case ItemType_string:
-        return CheckString(name, value.GetString(), facets);
+        return CheckString(name, value.GetStringRef(), facets);
     case ItemType_boolean:
         return;
     case ItemType_decimal:
