@@ -18,7 +18,7 @@ namespace
 // Replaces every occurrence, searching from the start again after each
 // replacement. A replacement that contains what it replaces would never end;
 // none of the fixed pairs below does.
-void ReplaceAll(std::string &text, std::string const &from, std::string const &to)
+void ReplaceAll(std::string &text, std::string_view from, std::string_view to)
 {
     std::size_t at;
     while ((at = text.find(from)) != std::string::npos)
@@ -59,6 +59,10 @@ namespace
 std::string TranslateXsdPattern(std::string const &pattern)
 {
     std::string p = pattern;
+    // Every step but the last replaces a backslash sequence, and the last
+    // only undoes the first.
+    if (p.find('\\') == std::string::npos && p.find('\x01') == std::string::npos)
+        return p;
     ReplaceAll(p, "\\\\", "\x01");
     ReplaceAll(p, "\\i", "([^\\W\\d]|:)");
     ReplaceAll(p, "\\I", "([\\W\\d])");
