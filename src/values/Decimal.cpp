@@ -216,7 +216,7 @@ void CDecimal::Parse(char const *text)
 
 std::string CDecimal::ToString() const
 {
-    if (fractionPart == CBigInteger())
+    if (fractionPart.IsZero()) // never empty, no high zeros: zero is the one digit 0
         return integerPart.ToString();
     std::string text = integerPart.sign < 0 ? "-" : "";
     text += integerPart.GetAbs().ToString();
@@ -250,6 +250,11 @@ std::string CDecimal::ToString(int places) const
 
 void CDecimal::Rationalise()
 {
+    // Nothing to strip with one place, or when the last digit is not a zero:
+    // the common case, decided without writing the fraction out.
+    if (fractionDivider <= 1 ||
+        (!fractionPart.digits.empty() && !fractionPart.IsZero() && fractionPart.digits[0] != 0))
+        return;
     // Trailing zeros of the fraction, written with fractionDivider places;
     // the first place always stays.
     std::string const digits = PadLeft(fractionPart.GetAbs().ToString(), fractionDivider);
