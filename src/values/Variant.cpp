@@ -398,7 +398,7 @@ std::string MxVariant::ToString(char const *format) const
     case ItemType_char:
         return CConversions::charToString(GetChar());
     case ItemType_string:
-        return CConversions::stringToString(GetString());
+        return CConversions::stringToString(GetStringRef());
     case ItemType_boolean:
         return CConversions::booleanToString(GetBoolean());
     case ItemType_hexBinary:
