@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Builds the benchmarks in Release (-O2) and runs the ones named, or all.
+# Builds the benchmarks in Release (-O2) and runs the one named, with its
+# arguments, or all of them.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 MX_WITH_BENCH=1 "$root/scripts/install-deps.sh"
@@ -7,11 +8,14 @@ build=${BUILD_DIR:-$root/build-bench}
 cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE="-O2 -DNDEBUG" \
   -DMX_BUILD_TESTS=OFF -DMX_BUILD_EXAMPLES=OFF -DMX_BUILD_BENCH=ON >/dev/null
 cmake --build "$build" -j"$(nproc)"
-names=("$@")
-if [ ${#names[@]} -eq 0 ]; then
-  for b in "$build"/bench/bench_*; do names+=("$(basename "$b" | sed 's/^bench_//')"); done
+# One benchmark with its arguments (sizes in MB), or all with their defaults.
+if [ $# -gt 0 ]; then
+  name=$1
+  shift
+  echo "== bench_$name"
+  exec "$build/bench/bench_$name" "$@"
 fi
-for n in "${names[@]}"; do
-  echo "== bench_$n"
-  "$build/bench/bench_$n"
+for b in "$build"/bench/bench_*; do
+  echo "== $(basename "$b")"
+  "$b"
 done

@@ -230,7 +230,10 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(CSerializationContext const &c
     std::size_t count = 0;
     while (rows && rows[count])
         ++count;
-    std::unique_ptr<bool[]> found(new bool[count ? count : 1]());
+    // Classes rarely have more rows than fit on the stack.
+    bool local[32] = {};
+    std::unique_ptr<bool[]> heap(count > 32 ? new bool[count]() : nullptr);
+    bool *const found = heap ? heap.get() : local;
     for (CXmlAttribute *attribute : element->GetAttributes())
     {
         if (attribute->IsNamespaceAttribute())
@@ -280,6 +283,8 @@ CXmlElement *CXmlGeneratedClass::ProcessElementSeqFromXml(CSerializationContext 
 {
     CElementInfo **rows = GetClassElementInfo();
     int const count = GetClassElementInfoCount();
+    // Asked once per element rather than once per row and pass.
+    std::string const classNamespace = GetNamespace();
     CXmlElement *const start = cursor;
     int i = 0;
     int lastTaken = 0;
@@ -287,7 +292,7 @@ CXmlElement *CXmlGeneratedClass::ProcessElementSeqFromXml(CSerializationContext 
     {
         while (i < count)
         {
-            if (rows[i]->ElementFromXml(context, this, element, &cursor, GetNamespace().c_str(), type))
+            if (rows[i]->ElementFromXml(context, this, element, &cursor, classNamespace.c_str(), type))
             {
                 lastTaken = i;
                 ++i;
@@ -316,6 +321,8 @@ CXmlElement *CXmlGeneratedClass::ProcessElementChoiceFromXml(CSerializationConte
 {
     CElementInfo **rows = GetClassElementInfo();
     int const count = GetClassElementInfoCount();
+    // Asked once per element rather than once per row and pass.
+    std::string const classNamespace = GetNamespace();
     CXmlElement *const start = cursor;
     bool matched = false;
     bool const ignoreUnknown = context.GetIgnoreUnknownElements();
@@ -323,7 +330,7 @@ CXmlElement *CXmlGeneratedClass::ProcessElementChoiceFromXml(CSerializationConte
     {
         for (int i = 0; i < count; ++i)
         {
-            matched = rows[i]->ElementFromXml(context, this, element, &cursor, GetNamespace().c_str(), type);
+            matched = rows[i]->ElementFromXml(context, this, element, &cursor, classNamespace.c_str(), type);
             if (matched)
                 break;
         }
@@ -365,8 +372,12 @@ CXmlElement *CXmlGeneratedClass::ProcessElementAllFromXml(CSerializationContext 
 {
     CElementInfo **rows = GetClassElementInfo();
     int const count = GetClassElementInfoCount();
+    // Asked once per element rather than once per row and pass.
+    std::string const classNamespace = GetNamespace();
     CXmlElement *const start = cursor;
-    std::unique_ptr<bool[]> done(new bool[count ? count : 1]());
+    bool local[32] = {};
+    std::unique_ptr<bool[]> heap(count > 32 ? new bool[count]() : nullptr);
+    bool *const done = heap ? heap.get() : local;
     // The first pass runs even at the end of the list: inline rows may be
     // satisfied by nothing.
     CXmlElement *before;
@@ -375,7 +386,7 @@ CXmlElement *CXmlGeneratedClass::ProcessElementAllFromXml(CSerializationContext 
         before = cursor;
         for (int i = 0; i < count; ++i)
             if (!done[i])
-                done[i] = rows[i]->ElementFromXml(context, this, element, &cursor, GetNamespace().c_str(), type);
+                done[i] = rows[i]->ElementFromXml(context, this, element, &cursor, classNamespace.c_str(), type);
     } while (cursor != nullptr && cursor != before);
     for (int i = 0; i < count; ++i)
         if (!rows[i]->Validate(context, this, done[i], type == XmlElementType_Element))

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -67,7 +68,7 @@ public:
     void Clear()
     {
         for (auto &block : m_blocks)
-            MX_POOL_UNPOISON(block.get(), kBlockSize);
+            MX_POOL_UNPOISON(block.first.get(), block.second);
         m_blocks.clear();
         m_cursor = nullptr;
         m_left = 0;
@@ -84,18 +85,23 @@ private:
     static constexpr std::size_t kAlign = alignof(void *);
     static constexpr std::size_t kSlots = 64; // free lists for sizes below 512 bytes
     static constexpr std::size_t kBlockSize = 64 * 1024;
+    static constexpr std::size_t kMaxBlockSize = kBlockSize << 5;
 
     static std::size_t Round(std::size_t size) { return (size + kAlign - 1) / kAlign * kAlign; }
 
     void NewBlock(std::size_t size)
     {
-        std::size_t const bytes = size > kBlockSize ? size : kBlockSize;
-        m_blocks.emplace_back(new std::max_align_t[(bytes + sizeof(std::max_align_t) - 1) / sizeof(std::max_align_t)]);
-        m_cursor = reinterpret_cast<char *>(m_blocks.back().get());
+        // Blocks double up to kMaxBlockSize: a small document costs one small
+        // block, a large one few allocator calls.
+        std::size_t const step = m_blocks.size() < 6 ? kBlockSize << m_blocks.size() : kMaxBlockSize;
+        std::size_t const bytes = size > step ? size : step;
+        m_blocks.emplace_back(new std::max_align_t[(bytes + sizeof(std::max_align_t) - 1) / sizeof(std::max_align_t)],
+                              bytes);
+        m_cursor = reinterpret_cast<char *>(m_blocks.back().first.get());
         m_left = bytes;
     }
 
-    std::vector<std::unique_ptr<std::max_align_t[]>> m_blocks;
+    std::vector<std::pair<std::unique_ptr<std::max_align_t[]>, std::size_t>> m_blocks;
     char *m_cursor = nullptr;
     std::size_t m_left = 0;
     FreeNode *m_free[kSlots] = {};

@@ -113,24 +113,26 @@ CXmlElement::CXmlElement(CXmlDocument *document, CXmlElement *parent)
 
 CXmlElement::~CXmlElement()
 {
-    // Without recursion: a document may nest deeper than the stack allows.
-    // Each element's children are unlinked before it is deleted, so no
-    // destructor below this one has children left to walk.
-    if (m_firstChild)
+    // Without recursion and without a work list: a document may nest deeper
+    // than the stack allows, and the parent links already lead back up. The
+    // walk goes down to a node without children, destroys it, and goes on
+    // with its next sibling or, after the last one, with its parent, which has
+    // no children left by then.
+    CXmlElement *e = m_firstChild;
+    while (e)
     {
-        std::vector<CXmlElement *> pending;
-        for (CXmlElement *child = m_firstChild; child; child = child->m_nextSibling)
-            pending.push_back(child);
-        while (!pending.empty())
+        if (e->m_firstChild)
         {
-            CXmlElement *e = pending.back();
-            pending.pop_back();
-            for (CXmlElement *child = e->m_firstChild; child; child = child->m_nextSibling)
-                pending.push_back(child);
-            e->m_firstChild = e->m_lastChild = nullptr;
-            m_document->DestroyElement(e);
+            e = e->m_firstChild;
+            continue;
         }
+        CXmlElement *const next = e->m_nextSibling;
+        CXmlElement *const parent = e->m_parent;
+        parent->m_firstChild = next;
+        m_document->DestroyElement(e);
+        e = next ? next : (parent == this ? nullptr : parent);
     }
+    m_lastChild = nullptr;
     if (m_attributes)
         for (CXmlAttribute *attribute : *m_attributes)
             m_document->DestroyAttribute(attribute);

@@ -254,8 +254,8 @@ bool CElementInfo::ElementToXmlEnum(CSerializationContext const &, CXmlGenerated
 // ---------------------------------------------------------------------------
 // Reading
 
-bool CElementInfo::ReadSimpleText(CSerializationContext const &context, CXmlElement const &element,
-                                  std::string &text) const
+std::string const *CElementInfo::ReadSimpleText(CSerializationContext const &context,
+                                                CXmlElement const &element) const
 {
     bool nilSeen = false;
     for (CXmlAttribute const *attribute : element.GetAttributes())
@@ -281,11 +281,9 @@ bool CElementInfo::ReadSimpleText(CSerializationContext const &context, CXmlElem
             throw CMxValidationException("Unexpected Attribute found.", attribute->GetXPath());
     }
     if (nilSeen)
-        return false;
-    text = element.GetText();
-    if (text.empty() && !m_defaultValue.empty())
-        text = m_defaultValue;
-    return true;
+        return nullptr;
+    std::string const &text = element.GetText();
+    return text.empty() && !m_defaultValue.empty() ? &m_defaultValue : &text;
 }
 
 void CElementInfo::ElementFromXmlPrim(CSerializationContext const &context, CXmlGeneratedClass *object,
@@ -294,11 +292,10 @@ void CElementInfo::ElementFromXmlPrim(CSerializationContext const &context, CXml
     CXmlElement *e = *current;
     if (e == nullptr)
         return;
-    std::string text;
-    if (ReadSimpleText(context, *e, text))
+    if (std::string const *text = ReadSimpleText(context, *e))
     {
         MxVariant value;
-        value.FromString(text, m_itemType, m_whitespaceRule);
+        value.FromString(*text, m_itemType, m_whitespaceRule);
         InvokePropertySet(object, value, *e);
     }
     *current = e->GetNextSiblingElement();
@@ -310,11 +307,10 @@ void CElementInfo::ElementFromXmlEnum(CSerializationContext const &context, CXml
     CXmlElement *e = *current;
     if (e == nullptr)
         return;
-    std::string text;
-    if (ReadSimpleText(context, *e, text))
+    if (std::string const *text = ReadSimpleText(context, *e))
     {
         MxVariant value;
-        value.SetI4(m_stringToEnum ? m_stringToEnum(text.c_str()) : 0);
+        value.SetI4(m_stringToEnum ? m_stringToEnum(text->c_str()) : 0);
         InvokePropertySet(object, value, *e);
     }
     *current = e->GetNextSiblingElement();

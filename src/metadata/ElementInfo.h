@@ -199,9 +199,10 @@ protected:
     bool m_isPrimitive;
 
 private:
-    // The text of a simple element after its attributes are checked; false
-    // when the element is nil (the property is then left alone).
-    bool ReadSimpleText(CSerializationContext const &context, CXmlElement const &element, std::string &text) const;
+    // The text of a simple element after its attributes are checked, or the
+    // default for an empty one; null when the element is nil (the property is
+    // then left alone). It points into the tree or this row: no copy.
+    std::string const *ReadSimpleText(CSerializationContext const &context, CXmlElement const &element) const;
     bool WriteSimple(CXmlWriter *writer, MxVariant const &value, std::string const &text, ItemType type,
                      bool checkFacets) const;
 };

@@ -21,7 +21,8 @@ CStringBuffer::~CStringBuffer() { FreeChunks(); }
 
 void CStringBuffer::NewChunk()
 {
-    char *chunk = new char[static_cast<std::size_t>(m_chunkSize) + 1](); // zero-filled
+    // Not filled: GetText puts the terminator behind the text when asked.
+    char *chunk = new char[static_cast<std::size_t>(m_chunkSize) + 1];
     m_chunks.push_back(chunk);
     m_chunkSizes.push_back(m_chunkSize);
     m_current = chunk;
@@ -74,7 +75,10 @@ char const *CStringBuffer::GetText()
     if (m_chunks.empty())
         return kEmptyText;
     if (m_chunks.size() == 1)
+    {
+        m_current[m_used] = '\0'; // each chunk has room for it
         return m_current;
+    }
     char *joined = new char[static_cast<std::size_t>(m_length) + 1];
     char *out = joined;
     std::size_t const last = m_chunks.size() - 1;
@@ -100,7 +104,7 @@ void CStringBuffer::Clear()
     {
         // A flushing file stream clears after every piece; keeping the chunk
         // spares an allocation each time.
-        std::memset(m_current, 0, static_cast<std::size_t>(m_capacity) + 1);
+        m_current[0] = '\0';
         m_used = 0;
         m_length = 0;
         return;

@@ -216,7 +216,7 @@ void CDecimal::Parse(char const *text)
 
 std::string CDecimal::ToString() const
 {
-    if (fractionPart == CBigInteger())
+    if (fractionPart.IsZero()) // never empty, no high zeros: zero is the one digit 0
         return integerPart.ToString();
     std::string text = integerPart.sign < 0 ? "-" : "";
     text += integerPart.GetAbs().ToString();
@@ -250,6 +250,11 @@ std::string CDecimal::ToString(int places) const
 
 void CDecimal::Rationalise()
 {
+    // Nothing to strip with one place, or when the last digit is not a zero:
+    // the common case, decided without writing the fraction out.
+    if (fractionDivider <= 1 ||
+        (!fractionPart.digits.empty() && !fractionPart.IsZero() && fractionPart.digits[0] != 0))
+        return;
     // Trailing zeros of the fraction, written with fractionDivider places;
     // the first place always stays.
     std::string const digits = PadLeft(fractionPart.GetAbs().ToString(), fractionDivider);
@@ -467,11 +472,21 @@ CDecimal CDecimal::operator--(int) const
 
 // --- comparison -------------------------------------------------------------------
 
-bool CDecimal::operator==(CDecimal const &other) const
+// Normalising only scales the fraction parts: the integer parts compare as
+// they stand, and copies are made only when they are equal.
+template <typename Compare> bool CDecimal::CompareFractions(CDecimal const &other, Compare compare) const
 {
+    if (fractionDivider == other.fractionDivider)
+        return compare(fractionPart, other.fractionPart);
     CDecimal a(*this), b(other);
     Normalize(a, b);
-    return a.integerPart == b.integerPart && a.fractionPart == b.fractionPart;
+    return compare(a.fractionPart, b.fractionPart);
+}
+
+bool CDecimal::operator==(CDecimal const &other) const
+{
+    return integerPart == other.integerPart &&
+           CompareFractions(other, [](CBigInteger const &x, CBigInteger const &y) { return x == y; });
 }
 
 bool CDecimal::operator!=(CDecimal const &other) const
@@ -481,30 +496,30 @@ bool CDecimal::operator!=(CDecimal const &other) const
 
 bool CDecimal::operator<(CDecimal const &other) const
 {
-    CDecimal a(*this), b(other);
-    Normalize(a, b);
-    return a.integerPart < b.integerPart || (a.integerPart == b.integerPart && a.fractionPart < b.fractionPart);
+    return integerPart < other.integerPart ||
+           (integerPart == other.integerPart &&
+            CompareFractions(other, [](CBigInteger const &x, CBigInteger const &y) { return x < y; }));
 }
 
 bool CDecimal::operator>(CDecimal const &other) const
 {
-    CDecimal a(*this), b(other);
-    Normalize(a, b);
-    return a.integerPart > b.integerPart || (a.integerPart == b.integerPart && a.fractionPart > b.fractionPart);
+    return integerPart > other.integerPart ||
+           (integerPart == other.integerPart &&
+            CompareFractions(other, [](CBigInteger const &x, CBigInteger const &y) { return x > y; }));
 }
 
 bool CDecimal::operator<=(CDecimal const &other) const
 {
-    CDecimal a(*this), b(other);
-    Normalize(a, b);
-    return a.integerPart < b.integerPart || (a.integerPart == b.integerPart && a.fractionPart <= b.fractionPart);
+    return integerPart < other.integerPart ||
+           (integerPart == other.integerPart &&
+            CompareFractions(other, [](CBigInteger const &x, CBigInteger const &y) { return x <= y; }));
 }
 
 bool CDecimal::operator>=(CDecimal const &other) const
 {
-    CDecimal a(*this), b(other);
-    Normalize(a, b);
-    return a.integerPart > b.integerPart || (a.integerPart == b.integerPart && a.fractionPart >= b.fractionPart);
+    return integerPart > other.integerPart ||
+           (integerPart == other.integerPart &&
+            CompareFractions(other, [](CBigInteger const &x, CBigInteger const &y) { return x >= y; }));
 }
 
 // --- machine numbers ------------------------------------------------------------

@@ -97,6 +97,7 @@ private:
     void ChangeFractionalDivider(int places);
     void LimitPlaces();
     static int Normalize(CDecimal &a, CDecimal &b);
+    template <typename Compare> bool CompareFractions(CDecimal const &other, Compare compare) const;
 
     CBigInteger integerPart;
     CBigInteger fractionPart;

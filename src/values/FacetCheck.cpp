@@ -194,10 +194,9 @@ void CheckString(char const *name, std::string const &value, CPrimitiveRestricti
     CheckLengths(facets, value.size(), fail);
     if (facets.pattern.empty())
         return;
-    CBinaryData const utf8 = LocalToUtf8(facets.pattern.c_str());
-    std::string const pattern = utf8.GetData() ? std::string(reinterpret_cast<char const *>(utf8.GetData()),
-                                                             utf8.GetLength())
-                                               : std::string();
+    std::string converted;
+    std::string_view const utf8 = LocalToUtf8View(facets.pattern, converted);
+    std::string const pattern(utf8);
     bool matches;
     try
     {
@@ -214,11 +213,26 @@ void CheckString(char const *name, std::string const &value, CPrimitiveRestricti
 
 // Places before the point (0 for a zero integer part) and after it (0 for a
 // zero fraction), as the schema's digit facets count them.
+// A bound of at most 18 plain digits is the integer it spells; the full
+// parser gives the same value with the same (positive) sign, at far more cost.
+CDecimal ParseDecimalBound(std::string const &bound)
+{
+    if (bound.empty() || bound.size() > 18)
+        return ParseBound(CConversions::decimalFromString, bound);
+    long long digits = 0; // [0, 10^18)
+    for (char c : bound)
+    {
+        if (c < '0' || c > '9')
+            return ParseBound(CConversions::decimalFromString, bound);
+        digits = digits * 10 + (c - '0');
+    }
+    return CDecimal(digits);
+}
+
 void CheckDecimal(char const *name, CDecimal const &value, CPrimitiveRestrictions const &facets)
 {
     auto fail = [&] { ThrowText(name, value.ToString()); };
-    CheckOrderedBounds(facets, value,
-                       [&](std::string const &b) { return ParseBound(CConversions::decimalFromString, b); }, fail);
+    CheckOrderedBounds(facets, value, ParseDecimalBound, fail);
     if (!HasFacet(facets.totalDigits) && !HasFacet(facets.fractionDigits))
         return;
     CBigInteger const zero;
@@ -295,7 +309,7 @@ void CheckPrimitiveFacets(char const *name, MxVariant const &value, ItemType typ
     case ItemType_time:
         return CheckDate(name, value, facets, C::timeFromString);
     case ItemType_string:
-        return CheckString(name, value.GetString(), facets);
+        return CheckString(name, value.GetStringRef(), facets);
     case ItemType_boolean:
         return;
     case ItemType_decimal:

@@ -300,6 +300,15 @@ template <typename T> T MxVariant::GetHeap() const
 }
 
 void MxVariant::SetString(std::string const &value) { SetHeap(ItemType_string, value); }
+
+void MxVariant::TakeString(std::string &&value)
+{
+    // The new cell is made before Clear, as `value` may be this cell's own.
+    void *moved = new (std::nothrow) std::string(std::move(value));
+    Clear();
+    m_type = ItemType_string;
+    SetPointer(moved);
+}
 void MxVariant::SetHexBinary(CBinaryData const &value) { SetHeap(ItemType_hexBinary, value); }
 void MxVariant::SetBase64Binary(CBinaryData const &value) { SetHeap(ItemType_base64Binary, value); }
 void MxVariant::SetDuration(CDateTimeSpan const &value) { SetHeap(ItemType_duration, value); }
@@ -331,6 +340,13 @@ void MxVariant::SetXmlCollection(CXmlCollectionBase *value)
 }
 
 std::string MxVariant::GetString() const { return GetHeap<std::string>(); }
+
+std::string const &MxVariant::GetStringRef() const
+{
+    static std::string const empty;
+    std::string const *p = StorageOf(m_type) == Storage::String ? Pointer<std::string>() : nullptr;
+    return p ? *p : empty;
+}
 CBinaryData MxVariant::GetHexBinary() const { return GetHeap<CBinaryData>(); }
 CDateTimeSpan MxVariant::GetDuration() const { return GetHeap<CDateTimeSpan>(); }
 CDateTime MxVariant::GetDate() const { return GetHeap<CDateTime>(); }
@@ -382,7 +398,7 @@ std::string MxVariant::ToString(char const *format) const
     case ItemType_char:
         return CConversions::charToString(GetChar());
     case ItemType_string:
-        return CConversions::stringToString(GetString());
+        return CConversions::stringToString(GetStringRef());
     case ItemType_boolean:
         return CConversions::booleanToString(GetBoolean());
     case ItemType_hexBinary:
@@ -434,7 +450,7 @@ void MxVariant::FromString(std::string const &text, ItemType type, CWhitespaceUt
     case ItemType_char:
         return SetChar(CConversions::charFromString(text, rule));
     case ItemType_string:
-        return SetString(CConversions::stringFromString(text, rule));
+        return TakeString(CConversions::stringFromString(text, rule));
     case ItemType_boolean:
         return SetBoolean(CConversions::booleanFromString(text, rule));
     case ItemType_hexBinary:

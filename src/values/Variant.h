@@ -98,6 +98,8 @@ public:
     void SetDay(std::uint8_t value);
     void SetChar(char value);
     void SetString(std::string const &value);
+    // Takes the text over: reading a document moves each value into its cell.
+    void TakeString(std::string &&value);
     void SetBoolean(bool value);
     // The heap forms hold a copy; a CBinaryData copy shares the counted block.
     void SetHexBinary(CBinaryData const &value);
@@ -133,6 +135,8 @@ public:
     char GetChar() const { return static_cast<char>(Read8()); }
     bool GetBoolean() const { return Read8() != 0; }
     std::string GetString() const;
+    // The held text without a copy; an empty string for a cell of another type.
+    std::string const &GetStringRef() const;
     // One body for each value class: GetHexBinary and GetBase64Binary read
     // either binary type, the five date getters any type of the date family.
     CBinaryData GetHexBinary() const;

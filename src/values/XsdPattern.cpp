@@ -2,6 +2,7 @@
 
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
+#include "runtime/TextEncoding.h"
 #include "values/BinaryData.h"
 
 #include <cstdlib>
@@ -17,7 +18,7 @@ namespace
 // Replaces every occurrence, searching from the start again after each
 // replacement. A replacement that contains what it replaces would never end;
 // none of the fixed pairs below does.
-void ReplaceAll(std::string &text, std::string const &from, std::string const &to)
+void ReplaceAll(std::string &text, std::string_view from, std::string_view to)
 {
     std::size_t at;
     while ((at = text.find(from)) != std::string::npos)
@@ -34,17 +35,34 @@ struct PcreHolder
     }
 };
 
-// The subject as UTF-8, by the library's one local-to-UTF-8 conversion.
-std::string ToUtf8(std::string const &local)
+} // namespace
+
+std::string_view LocalToUtf8View(std::string const &local, std::string &converted)
 {
+    // Up to the first zero byte, as the conversion reads its input.
+    std::size_t const length = std::strlen(local.c_str());
+    auto const *bytes = reinterpret_cast<unsigned char const *>(local.c_str());
+    if (IsASCIIOnly() || (IsUtf8PassThrough() && IsWellFormedUtf8(bytes, length)))
+        return std::string_view(local.c_str(), length);
     CBinaryData const utf8 = LocalToUtf8(local.c_str());
-    return std::string(reinterpret_cast<char const *>(utf8.GetData()), utf8.GetLength());
+    if (utf8.GetData())
+        converted.assign(reinterpret_cast<char const *>(utf8.GetData()), utf8.GetLength());
+    else
+        converted.clear();
+    return std::string_view(converted.c_str(), std::strlen(converted.c_str()));
 }
+
+namespace
+{
 } // namespace
 
 std::string TranslateXsdPattern(std::string const &pattern)
 {
     std::string p = pattern;
+    // Every step but the last replaces a backslash sequence, and the last
+    // only undoes the first.
+    if (p.find('\\') == std::string::npos && p.find('\x01') == std::string::npos)
+        return p;
     ReplaceAll(p, "\\\\", "\x01");
     ReplaceAll(p, "\\i", "([^\\W\\d]|:)");
     ReplaceAll(p, "\\I", "([\\W\\d])");
@@ -70,11 +88,16 @@ bool MatchesXsdPattern(std::string const &pattern, std::string const &value)
             FormatString("Invalid Regular Expression: %s Error: '%s'", value.c_str(), error ? error : ""));
     int captures = 0;
     pcre_fullinfo(holder.compiled, nullptr, PCRE_INFO_CAPTURECOUNT, &captures);
-    std::vector<int> offsets(static_cast<std::size_t>(captures + 1) * 3);
-    std::string const subject = ToUtf8(value);
-    int const length = static_cast<int>(std::strlen(subject.c_str()));
-    int const rc = pcre_exec(holder.compiled, nullptr, subject.c_str(), length, 0, PCRE_ANCHORED, offsets.data(),
-                             static_cast<int>(offsets.size()));
+    // Most patterns have few groups: their offsets fit on the stack.
+    std::size_t const slots = static_cast<std::size_t>(captures + 1) * 3;
+    int local[30];
+    std::vector<int> heap(slots > 30 ? slots : 0);
+    int *const offsets = slots > 30 ? heap.data() : local;
+    std::string converted;
+    std::string_view const subject = LocalToUtf8View(value, converted);
+    int const length = static_cast<int>(subject.size());
+    int const rc = pcre_exec(holder.compiled, nullptr, subject.data(), length, 0, PCRE_ANCHORED, offsets,
+                             static_cast<int>(slots));
     return rc >= 1 && offsets[0] == 0 && offsets[1] == length;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace MxXmlLib
 {
@@ -11,6 +12,10 @@ namespace MxXmlLib
 // A pattern that does not compile raises CMxException
 // "Invalid Regular Expression: <value> Error: '<reason>'".
 bool MatchesXsdPattern(std::string const &pattern, std::string const &value);
+
+// Local text as UTF-8, up to its first zero byte, as LocalToUtf8 gives it:
+// the text itself where it is its own UTF-8 form, else `converted`.
+std::string_view LocalToUtf8View(std::string const &local, std::string &converted);
 
 // The PCRE form of an XSD pattern, before anchoring.
 std::string TranslateXsdPattern(std::string const &pattern);

@@ -1,5 +1,6 @@
 #include "values/XsdPattern.h"
 #include "runtime/MxException.h"
+#include "runtime/TextEncoding.h"
 
 #include <gtest/gtest.h>
 
@@ -214,6 +215,10 @@ TEST(XsdPattern, TranslationOfEscapes)
         {"\\\\i", "\\\\i"},
         {"[\\i]", "[([^\\W\\d]|:)]"}, // no regard for context
         {"\\p{IsGreek}", "\\p{IsGreek}"},
+        {"[a-z]+", "[a-z]+"},
+        // The byte that shields escaped backslashes is undone even where the
+        // pattern has no backslash at all.
+        {"a\x01" "b", "a\\\\b"},
     };
     for (auto const &c : cases)
     {
@@ -252,4 +257,35 @@ TEST(XsdPattern, CompileErrorsNameTheValue)
             EXPECT_EQ(c.message, e.GetMessage());
         }
     }
+}
+
+// The value is local text and reaches PCRE as UTF-8: converted from a
+// single-byte code page, taken as it stands where it is already UTF-8, and
+// read up to its first zero byte either way.
+TEST(XsdPattern, SubjectIsTheValueAsUtf8)
+{
+    struct Case
+    {
+        unsigned codePage;
+        char const *pattern;
+        std::string value;
+        bool matches;
+    };
+    Case const cases[] = {
+        {1252, ".", "\xE9", true},            // one character, two bytes in UTF-8
+        {1252, "\xC3\xA9", "\xE9", true},
+        {1252, "..", "\xE9", false},
+        {65001, ".", "\xC3\xA9", true},
+        {65001, "\xC3\xA9", "\xC3\xA9", true},
+        {65001, "a", std::string("a\0b", 3), true},
+        {1252, "a", std::string("a\0b", 3), true},
+    };
+    unsigned const saved = GetLocalCharEncoding();
+    for (auto const &c : cases)
+    {
+        SCOPED_TRACE(std::to_string(c.codePage) + " " + c.pattern);
+        SetLocalCharEncoding(c.codePage);
+        EXPECT_EQ(c.matches, MatchesXsdPattern(c.pattern, c.value));
+    }
+    SetLocalCharEncoding(saved);
 }
