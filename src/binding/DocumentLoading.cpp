@@ -1,7 +1,10 @@
 #include "document/XmlDocument.h"
 
+#include "binding/SerializationContext.h"
 #include "binding/XmlObjectBase.h"
 #include "document/ExpatReader.h"
+#include "document/NameTable.h"
+#include "document/NodePool.h"
 #include "fastinfoset/FastInfosetContext.h"
 #include "fastinfoset/FastInfosetReader.h"
 #include "json/JsonHandlers.h"
@@ -15,10 +18,11 @@
 #include <cstring>
 #include <cwchar>
 
-// The loading frames of CXmlDocument: how a document gets its bytes (text,
-// bytes that may be compressed or Fast Infoset, JSON by translation, files
-// whole or in chunks) and hands them to a reader. They stand in the binding
-// layer because they know every format; the tree itself knows none.
+// The loading frames of CXmlDocument: the options a document takes from its
+// context, and how it gets its bytes (text, bytes that may be compressed or
+// Fast Infoset, JSON by translation, files whole or in chunks) and hands them
+// to a reader. They stand in the binding layer because they know the context
+// and every format; the tree itself knows neither.
 
 namespace MxXmlLib
 {
@@ -31,6 +35,33 @@ constexpr unsigned long kChunkSize = 0x20000;
 // system this library was first written for reports a read past the end.
 constexpr unsigned kEndOfFileCode = 38;
 } // namespace
+
+CXmlDocument::CXmlDocument() : CXmlDocument(nullptr, CSerializationContext::GetDefaultContext()) {}
+
+CXmlDocument::CXmlDocument(CSerializationContext const &context) : CXmlDocument(nullptr, context) {}
+
+CXmlDocument::CXmlDocument(ElementEndFunction onElementEnd)
+    : CXmlDocument(onElementEnd, CSerializationContext::GetDefaultContext())
+{
+}
+
+CXmlDocument::CXmlDocument(ElementEndFunction onElementEnd, CSerializationContext const &context)
+    : m_documentElement(nullptr), m_buffer(nullptr), m_bufferLength(0), m_bufferOwned(false),
+      m_schemaType(context.GetSchemaType()), m_stripCDATA(context.GetStripCDATA()), m_elementEndFunction(onElementEnd), m_context(context),
+      m_names(std::make_unique<CNameTable>()), m_pool(std::make_unique<CNodePool>()), m_fileOffset(0),
+      m_chunkBytes(0)
+{
+}
+
+void CXmlDocument::Init()
+{
+    m_buffer = nullptr;
+    m_bufferLength = 0;
+    m_documentElement = nullptr;
+    m_fileOffset = 0;
+    m_schemaType = m_context.GetSchemaType();
+    m_stripCDATA = m_context.GetStripCDATA();
+}
 
 void CXmlDocument::LoadXml(char const *text)
 {

@@ -267,23 +267,6 @@ std::string CXmlElement::GetXPath() const
 // ---------------------------------------------------------------------------
 // CXmlDocument
 
-CXmlDocument::CXmlDocument() : CXmlDocument(nullptr, CSerializationContext::GetDefaultContext()) {}
-
-CXmlDocument::CXmlDocument(CSerializationContext const &context) : CXmlDocument(nullptr, context) {}
-
-CXmlDocument::CXmlDocument(ElementEndFunction onElementEnd)
-    : CXmlDocument(onElementEnd, CSerializationContext::GetDefaultContext())
-{
-}
-
-CXmlDocument::CXmlDocument(ElementEndFunction onElementEnd, CSerializationContext const &context)
-    : m_documentElement(nullptr), m_buffer(nullptr), m_bufferLength(0), m_bufferOwned(false),
-      m_schemaType(context.GetSchemaType()), m_elementEndFunction(onElementEnd), m_context(context),
-      m_names(std::make_unique<CNameTable>()), m_pool(std::make_unique<CNodePool>()), m_fileOffset(0),
-      m_chunkBytes(0)
-{
-}
-
 static_assert(alignof(CXmlElement) <= alignof(void *) && alignof(CXmlAttribute) <= alignof(void *),
               "the node pool aligns to pointers");
 
@@ -341,15 +324,6 @@ void CXmlDocument::CleanupThis()
 std::string const *CXmlDocument::Intern(std::string_view name)
 {
     return m_names->Intern(name);
-}
-
-void CXmlDocument::Init()
-{
-    m_buffer = nullptr;
-    m_bufferLength = 0;
-    m_documentElement = nullptr;
-    m_fileOffset = 0;
-    m_schemaType = m_context.GetSchemaType();
 }
 
 void CXmlDocument::SetBuffer(void const *data, unsigned long length)

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "binding/SerializationContext.h"
 #include "document/XmlWriter.h"
+#include "runtime/OptionEnums.h"
 #include "runtime/TextStream.h"
 
 namespace MxXmlLib

@@ -5,9 +5,9 @@
 // whether attributes follow, so it is held back until the next call tells.
 // Terminators are four bits; two that meet share one octet (FF).
 
-#include "binding/SerializationContext.h"
 #include "document/XmlWriter.h"
 #include "fastinfoset/FIVocabulary.h"
+#include "runtime/OptionEnums.h"
 
 #include <cstdint>
 #include <string>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "binding/SerializationContext.h"
 #include "document/XmlWriter.h"
 #include "json/JsonContext.h"
+#include "runtime/OptionEnums.h"
 #include "runtime/TextStream.h"
 
 namespace MxXmlLib
