@@ -16,6 +16,7 @@
 //
 //   scripts/bench.sh binding [sizes in MB...]
 
+#include "BenchSupport.h"
 #include "MxXmlLib.h"
 #include "model/PurchaseOrder.h"
 
@@ -39,31 +40,6 @@ double CpuNow()
     timespec ts{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
     return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) * 1e-9;
-}
-
-std::string MakeDocument(std::size_t targetBytes)
-{
-    std::string xml = "<?xml version=\"1.0\"?>\n"
-                      "<po:purchaseOrder xmlns:po=\"urn:example:po\" orderDate=\"2026-11-22\" status=\"open\">\n"
-                      "\t<po:shipTo country=\"US\">\n\t\t<po:name>Alice Smith</po:name>\n"
-                      "\t\t<po:street>123 Maple Street</po:street>\n\t\t<po:city>Mill Valley</po:city>\n"
-                      "\t\t<po:state>CA</po:state>\n\t\t<po:zip>90952</po:zip>\n\t</po:shipTo>\n"
-                      "\t<po:comment>Generated &amp; large</po:comment>\n\t<po:items>\n";
-    xml.reserve(targetBytes + 4096);
-    for (unsigned n = 0; xml.size() < targetBytes; ++n)
-    {
-        std::string const id = std::to_string(n);
-        xml += "\t\t<po:item partNum=\"" + std::to_string(100 + n % 900) + "-AA\">\n"
-               "\t\t\t<po:productName>Lawnmower &amp; catcher " + id + "</po:productName>\n"
-               "\t\t\t<po:quantity>" + std::to_string(1 + n % 99) + "</po:quantity>\n"
-               "\t\t\t<po:USPrice>148.95</po:USPrice>\n";
-        if (n % 3 == 0)
-            xml += "\t\t\t<po:comment>Confirm this is electric</po:comment>\n";
-        xml += n % 2 ? "\t\t\t<po:shipDate>2026-12-01</po:shipDate>\n" : "\t\t\t<po:pickup>Store 12</po:pickup>\n";
-        xml += "\t\t</po:item>\n";
-    }
-    xml += "\t</po:items>\n</po:purchaseOrder>\n";
-    return xml;
 }
 
 void XMLCALL OnStart(void *user, XML_Char const *, XML_Char const **attributes)
@@ -121,7 +97,7 @@ std::size_t StatusBytes(char const *field)
 // document size, the text counted once.
 int RssChild(std::size_t mb, CSerializationContext const &context)
 {
-    std::string const xml = MakeDocument(mb * 1000 * 1000);
+    std::string const xml = MxBench::MakePurchaseOrder(mb * 1000 * 1000);
     CSmartPtr<Example::CPurchaseOrder> order(new Example::CPurchaseOrder);
     std::size_t const before = StatusBytes("VmRSS");
     // Writing 5 resets the high-water mark to the present resident set.
@@ -179,7 +155,7 @@ int main(int argc, char **argv)
     double firstPerMB = 0;
     for (std::size_t mb : sizes)
     {
-        std::string const xml = MakeDocument(mb * 1000 * 1000);
+        std::string const xml = MxBench::MakePurchaseOrder(mb * 1000 * 1000);
         double const size = static_cast<double>(xml.size()) / 1e6;
         double expat = 1e9, tree = 1e9, read = 1e9, write = 1e9;
         int const rounds = mb >= 100 ? 3 : 5;

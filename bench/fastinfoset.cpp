@@ -7,6 +7,7 @@
 //
 //   scripts/bench.sh fastinfoset [sizes in MB...]
 
+#include "BenchSupport.h"
 #include "MxXmlLib.h"
 #include "fastinfoset/FastInfosetContext.h"
 #include "model/PurchaseOrder.h"
@@ -27,30 +28,6 @@ double CpuNow()
     timespec ts{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
     return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) * 1e-9;
-}
-
-std::string MakeDocument(std::size_t targetBytes)
-{
-    std::string xml = "<?xml version=\"1.0\"?>\n"
-                      "<po:purchaseOrder xmlns:po=\"urn:example:po\" orderDate=\"2026-11-22\" status=\"open\">\n"
-                      "\t<po:shipTo country=\"US\">\n\t\t<po:name>Alice Smith</po:name>\n"
-                      "\t\t<po:street>123 Maple Street</po:street>\n\t\t<po:city>Mill Valley</po:city>\n"
-                      "\t\t<po:state>CA</po:state>\n\t\t<po:zip>90952</po:zip>\n\t</po:shipTo>\n"
-                      "\t<po:comment>Generated &amp; large</po:comment>\n\t<po:items>\n";
-    for (unsigned n = 0; xml.size() < targetBytes; ++n)
-    {
-        std::string const id = std::to_string(n);
-        xml += "\t\t<po:item partNum=\"" + std::to_string(100 + n % 900) + "-AA\">\n"
-               "\t\t\t<po:productName>Lawnmower &amp; catcher " + id + "</po:productName>\n"
-               "\t\t\t<po:quantity>" + std::to_string(1 + n % 99) + "</po:quantity>\n"
-               "\t\t\t<po:USPrice>148.95</po:USPrice>\n";
-        if (n % 3 == 0)
-            xml += "\t\t\t<po:comment>Confirm this is electric</po:comment>\n";
-        xml += n % 2 ? "\t\t\t<po:shipDate>2026-12-01</po:shipDate>\n" : "\t\t\t<po:pickup>Store 12</po:pickup>\n";
-        xml += "\t\t</po:item>\n";
-    }
-    xml += "\t</po:items>\n</po:purchaseOrder>\n";
-    return xml;
 }
 
 struct Figures
@@ -100,7 +77,7 @@ int main(int argc, char **argv)
     for (std::size_t mb : sizes)
     {
         CSmartPtr<Example::CPurchaseOrder> order(new Example::CPurchaseOrder);
-        order->FromXml(MakeDocument(mb * 1000 * 1000).c_str(), context);
+        order->FromXml(MxBench::MakePurchaseOrder(mb * 1000 * 1000).c_str(), context);
         int const rounds = mb >= 100 ? 2 : 4;
         Figures const xml = Measure(*order, context, rounds, [&](Example::CPurchaseOrder const &o) {
             return o.ToXmlStream(true, true, XmlEncoding_UTF8, LF, context);

@@ -6,6 +6,7 @@
 //
 //   scripts/bench.sh schema_compiler [extra.xsd...]
 
+#include "BenchSupport.h"
 #include "MxXmlLib.h"
 #include "dynamic/DynamicSchema.h"
 #include "frontend/XsdFrontend.h"
@@ -27,26 +28,6 @@ double CpuNow()
     timespec ts{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
     return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) * 1e-9;
-}
-
-std::string MakeOrder(std::size_t targetBytes)
-{
-    std::string xml = "<?xml version=\"1.0\"?>\n"
-                      "<po:purchaseOrder xmlns:po=\"urn:example:po\" orderDate=\"2026-11-22\" status=\"open\">\n"
-                      "\t<po:shipTo country=\"US\">\n\t\t<po:name>Alice Smith</po:name>\n"
-                      "\t\t<po:street>123 Maple Street</po:street>\n\t\t<po:city>Mill Valley</po:city>\n"
-                      "\t\t<po:state>CA</po:state>\n\t\t<po:zip>90952</po:zip>\n\t</po:shipTo>\n"
-                      "\t<po:comment>Generated &amp; large</po:comment>\n\t<po:items>\n";
-    for (unsigned n = 0; xml.size() < targetBytes; ++n)
-    {
-        xml += "\t\t<po:item partNum=\"" + std::to_string(100 + n % 900) + "-AA\">\n"
-               "\t\t\t<po:productName>Lawnmower &amp; catcher " + std::to_string(n) + "</po:productName>\n"
-               "\t\t\t<po:quantity>" + std::to_string(1 + n % 99) + "</po:quantity>\n"
-               "\t\t\t<po:USPrice>148.95</po:USPrice>\n";
-        xml += n % 2 ? "\t\t\t<po:shipDate>2026-12-01</po:shipDate>\n" : "\t\t\t<po:pickup>Store 12</po:pickup>\n";
-        xml += "\t\t</po:item>\n";
-    }
-    return xml + "\t</po:items>\n</po:purchaseOrder>\n";
 }
 
 // Many named types that refer to each other, with facets and enumerations:
@@ -107,7 +88,7 @@ int main(int argc, char **argv)
     }
 
     MxCompiler::CSchemaSet const set = MxCompiler::CSchemaSet::Load({schemas.front()});
-    std::string const xml = MakeOrder(10 * 1000 * 1000);
+    std::string const xml = MxBench::MakePurchaseOrder(10 * 1000 * 1000);
     CBinaryData const bytes(reinterpret_cast<unsigned char *>(const_cast<char *>(xml.data())),
                             static_cast<unsigned long>(xml.size()), false);
     CSerializationContext context;

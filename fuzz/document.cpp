@@ -2,7 +2,7 @@
 // CMxException. The first byte picks the options, so that the namespace-free
 // parser, kept CDATA markers and the wide-text entry are covered too.
 
-#include "MxXmlLib.h"
+#include "FuzzSupport.h"
 
 #include <cstdint>
 #include <string>
@@ -30,21 +30,11 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const *data, size_t size)
         else
             document.LoadXml(text.c_str());
         // Walk the tree the way readers do, paths included.
-        for (CXmlElement const *e = document.GetDocumentElement(); e;)
-        {
+        MxFuzz::WalkTree(document.GetDocumentElement(), [](CXmlElement const *e) {
             (void)e->GetXPath();
             for (CXmlAttribute const *a : e->GetAttributes())
                 (void)a->GetXPath();
-            if (e->GetFirstElement())
-                e = e->GetFirstElement();
-            else
-            {
-                while (e && !e->GetNextSiblingElement())
-                    e = e->GetParentElm();
-                if (e)
-                    e = e->GetNextSiblingElement();
-            }
-        }
+        });
     }
     catch (CMxException const &)
     {

@@ -5,7 +5,7 @@
 // with a generated vocabulary, so that indexes can point into tables that
 // the document did not fill.
 
-#include "MxXmlLib.h"
+#include "FuzzSupport.h"
 #include "fastinfoset/FastInfosetContext.h"
 
 #include <cstdint>
@@ -39,21 +39,11 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const *data, size_t size)
         CXmlDocument document(context);
         document.LoadXmlStream(reinterpret_cast<unsigned char *>(bytes.data()),
                                static_cast<unsigned long>(bytes.size()));
-        for (CXmlElement const *e = document.GetDocumentElement(); e;)
-        {
+        MxFuzz::WalkTree(document.GetDocumentElement(), [](CXmlElement const *e) {
             for (CXmlAttribute const *a : e->GetAttributes())
                 (void)a->GetValue().size();
             (void)e->GetText().size();
-            if (e->GetFirstElement())
-                e = e->GetFirstElement();
-            else
-            {
-                while (e && !e->GetNextSiblingElement())
-                    e = e->GetParentElm();
-                if (e)
-                    e = e->GetNextSiblingElement();
-            }
-        }
+        });
     }
     catch (CMxException const &)
     {

@@ -5,7 +5,7 @@
 // library first (zlib or gzip), so that the parser behind the inflater is
 // reached with mutated text as well.
 
-#include "MxXmlLib.h"
+#include "FuzzSupport.h"
 #include "runtime/Compression.h"
 
 #include <cstdint>
@@ -27,19 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const *data, size_t size)
             bytes.SetBuffer(data, static_cast<unsigned long>(size));
         CXmlDocument document;
         document.LoadXmlStream(bytes.GetData(), bytes.GetLength());
-        for (CXmlElement const *e = document.GetDocumentElement(); e;)
-        {
-            (void)e->GetXPath();
-            if (e->GetFirstElement())
-                e = e->GetFirstElement();
-            else
-            {
-                while (e && !e->GetNextSiblingElement())
-                    e = e->GetParentElm();
-                if (e)
-                    e = e->GetNextSiblingElement();
-            }
-        }
+        MxFuzz::WalkTree(document.GetDocumentElement(), [](CXmlElement const *e) { (void)e->GetXPath(); });
     }
     catch (CMxException const &)
     {

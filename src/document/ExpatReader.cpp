@@ -96,7 +96,7 @@ void CExpatReader::Init()
     XML_SetElementHandler(parser, &StartElementHandler, &EndElementHandler);
     XML_SetNamespaceDeclHandler(parser, &StartNamespaceHandler, &EndNamespaceHandler);
     XML_SetCharacterDataHandler(parser, &CharacterDataHandler);
-    if (!m_document->m_context.GetStripCDATA())
+    if (!m_document->m_stripCDATA)
         XML_SetCdataSectionHandler(parser, &StartCdataHandler, &EndCdataHandler);
 }
 

@@ -5,8 +5,8 @@
 // processing instructions, prefixes and the position of text between child
 // elements are dropped. The tree is read once and thrown away.
 
-#include "binding/SerializationContext.h"
 #include "runtime/InstanceMonitor.h"
+#include "runtime/OptionEnums.h"
 #include "values/BinaryData.h"
 
 #include <cstdint>
@@ -25,6 +25,7 @@ class CExpatReader;
 class CFastInfosetReader;
 class CNameTable;
 class CNodePool;
+class CSerializationContext;
 
 namespace Platform
 {
@@ -237,6 +238,7 @@ private:
     unsigned long m_bufferLength;
     bool m_bufferOwned;
     SchemaType m_schemaType;
+    bool m_stripCDATA; // the context's, taken with the schema type at each load
     ElementEndFunction m_elementEndFunction;
     CSerializationContext const &m_context;
     std::unique_ptr<CNameTable> m_names;

@@ -12,7 +12,6 @@ namespace
 {
 char const kXsiNamespace[] = "http://www.w3.org/2001/XMLSchema-instance";
 char const kXmlNamespace[] = "http://www.w3.org/XML/1998/namespace";
-constexpr std::uint32_t kFlushThreshold = 4096;
 
 // Bytes that WriteEscaped must look at: the end, line ends, and markup.
 struct SpecialBytes
@@ -47,21 +46,6 @@ void CXmlTextWriter::WriteDeclaration(std::string const &prefix, std::string con
     Write("=\"", 2);
     Write(uri);
     Put('"');
-}
-
-void CXmlTextWriter::FlushCheck()
-{
-    if (m_stream->GetLength() >= kFlushThreshold)
-        m_stream->Flush();
-}
-
-CXmlWriter::CXmlWriterContext &CXmlTextWriter::Current()
-{
-    // Writing inside an element with none open is the caller's error; say so
-    // rather than follow a null pointer.
-    if (m_current == nullptr)
-        throw CMxInvalidStateException("No element is open.");
-    return *m_current;
 }
 
 void CXmlTextWriter::StartDocument()

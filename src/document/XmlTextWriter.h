@@ -1,7 +1,7 @@
 #pragma once
 
-#include "binding/SerializationContext.h"
 #include "document/XmlWriter.h"
+#include "runtime/OptionEnums.h"
 #include "runtime/TextStream.h"
 
 namespace MxXmlLib
@@ -53,8 +53,7 @@ private:
     void Write(char const *text, std::size_t length) { m_stream->Write(text, length); }
     void WriteIndent(std::int32_t depth);
     void WriteDeclaration(std::string const &prefix, std::string const &uri);
-    void FlushCheck();
-    CXmlWriterContext &Current();
+    void FlushCheck() { CXmlWriter::FlushCheck(*m_stream); }
 
     bool m_writeDefaultValues;
     std::string m_indent;

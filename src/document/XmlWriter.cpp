@@ -1,6 +1,7 @@
 #include "document/XmlWriter.h"
 
 #include "runtime/MxException.h"
+#include "runtime/TextStream.h"
 
 namespace MxXmlLib
 {
@@ -174,6 +175,20 @@ void CXmlWriter::PopContext()
     Context *ended = m_current;
     m_current = ended->m_parent;
     ReleaseContext(ended);
+}
+
+CXmlWriter::CXmlWriterContext &CXmlWriter::Current()
+{
+    if (m_current == nullptr)
+        throw CMxInvalidStateException("No element is open.");
+    return *m_current;
+}
+
+void CXmlWriter::FlushCheck(CTextStream &stream)
+{
+    constexpr std::uint32_t kFlushThreshold = 4096;
+    if (stream.GetLength() >= kFlushThreshold)
+        stream.Flush();
 }
 
 } // namespace MxXmlLib

@@ -18,6 +18,8 @@
 namespace MxXmlLib
 {
 
+class CTextStream;
+
 class CXmlWriter : public CInstanceMonitor
 {
 public:
@@ -124,6 +126,12 @@ protected:
     void SetCurrentContext(CXmlWriterContext *context) { m_current = context; }
     // Ends the current context and makes its parent current.
     void PopContext();
+    // The open element's context. Writing inside an element with none open
+    // is the caller's error: say so rather than follow a null pointer.
+    CXmlWriterContext &Current();
+    // The text writers hand their stream's bytes on once it holds this many,
+    // so that a file is written as it grows.
+    static void FlushCheck(CTextStream &stream);
 
     std::string m_defaultNamespace;
     CXmlWriterContext *m_current;

@@ -2,6 +2,7 @@
 
 #include "document/XmlDocument.h"
 #include "fastinfoset/FastInfosetBinaryData.h"
+#include "fastinfoset/FIIntegerLadder.h"
 #include "fastinfoset/FastInfosetContext.h"
 #include "fastinfoset/FastInfosetWriter.h"
 #include "runtime/FormatString.h"
@@ -264,7 +265,7 @@ void CFastInfosetReader::ReadElement()
         name = ReadOctet();
     }
     if ((name & 0x3C) < 0x3C)
-        TakeQName(ReadIntegerBit3(name), Vocabulary->ElementNamesTable);
+        TakeQName(ReadInteger(kIntegerOnBit3, name), Vocabulary->ElementNamesTable);
     else
         ReadLiteralQName(name, Vocabulary->ElementNamesTable);
     // The prefix is not kept: the tree holds namespaces only.
@@ -333,7 +334,7 @@ void CFastInfosetReader::ReadCharacterChunk(unsigned char first)
     CFIVocabulary::CFIStringTable &table = Vocabulary->CharacterChunksTable;
     std::string const *text = &Text;
     if (first & 0x20)
-        text = &Entry(table, ReadIntegerBit4(first));
+        text = &Entry(table, ReadInteger(kIntegerOnBit4, first));
     else
     {
         AddToTable = (first & 0x10) != 0;
@@ -630,46 +631,30 @@ std::uint32_t CFastInfosetReader::ReadIntegerBit2WithZero(unsigned char first)
     return ReadIntegerBit2(first);
 }
 
-std::uint32_t CFastInfosetReader::ReadIntegerBit3(unsigned char first)
+std::uint32_t CFastInfosetReader::ReadInteger(FIIntegerLadder const &ladder, unsigned char first)
 {
-    if ((first & 0x20) == 0)
-        return (first & 0x1Fu) + 1; // [1, 32]
-    if ((first & 0x38) == 0x20)
-        return (((first & 0x07u) << 8) | ReadOctet()) + 33; // [33, 2080]
-    if ((first & 0x38) == 0x28)
+    unsigned const below = ladder.startBit - 1u;                // 0x1F, 0x0F
+    if ((first & ladder.startBit) == 0)
+        return (first & below) + 1; // [1, twoBase - 1]
+    unsigned const low = below & ~unsigned(ladder.formMask);    // 0x07, 0x03
+    if ((first & ladder.formMask) == ladder.twoOctets)
+        return (((first & low) << 8) | ReadOctet()) + ladder.twoBase; // [twoBase, threeBase - 1]
+    std::uint32_t high;
+    std::uint32_t base;
+    if ((first & ladder.formMask) == ladder.threeOctets)
     {
-        std::uint32_t const high = first & 0x07u;
-        std::uint32_t const middle = ReadOctet();
-        return ((high << 16) | (middle << 8) | ReadOctet()) + 2081; // [2081, 526368]
+        high = first & low;
+        base = ladder.threeBase;
     }
-    if ((first & 0x3F) == 0x30)
+    else if ((first & ladder.fourMask) == ladder.fourOctets)
     {
-        std::uint32_t const high = ReadOctet() & 0x0Fu;
-        std::uint32_t const middle = ReadOctet();
-        return ((high << 16) | (middle << 8) | ReadOctet()) + 526369;
+        high = ReadOctet() & 0x0Fu;
+        base = ladder.fourBase;
     }
-    Fail("Failed to parse FastInfoset. Invalid Encoding of integers 1 To 2^20 type  on the third bit of an octet.");
-}
-
-std::uint32_t CFastInfosetReader::ReadIntegerBit4(unsigned char first)
-{
-    if ((first & 0x10) == 0)
-        return (first & 0x0Fu) + 1; // [1, 16]
-    if ((first & 0x1C) == 0x10)
-        return (((first & 0x03u) << 8) | ReadOctet()) + 17; // [17, 1040]
-    if ((first & 0x1C) == 0x14)
-    {
-        std::uint32_t const high = first & 0x03u;
-        std::uint32_t const middle = ReadOctet();
-        return ((high << 16) | (middle << 8) | ReadOctet()) + 1041; // [1041, 263184]
-    }
-    if ((first & 0x1F) == 0x18)
-    {
-        std::uint32_t const high = ReadOctet() & 0x0Fu;
-        std::uint32_t const middle = ReadOctet();
-        return ((high << 16) | (middle << 8) | ReadOctet()) + 263185;
-    }
-    Fail("Failed to parse FastInfoset. Invalid Encoding of integers 1 To 2^20 type  on the fourth bit of an octet.");
+    else
+        Fail(ladder.failure);
+    std::uint32_t const middle = ReadOctet();
+    return ((high << 16) | (middle << 8) | ReadOctet()) + base;
 }
 
 std::uint64_t CFastInfosetReader::ReadOctetStringLengthBit2(unsigned char first)

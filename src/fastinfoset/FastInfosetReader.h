@@ -19,6 +19,7 @@ namespace MxXmlLib
 class CXmlDocument;
 class CXmlElement;
 class CFastInfosetContext;
+struct FIIntegerLadder;
 
 class CFastInfosetReader : public CInstanceMonitor
 {
@@ -68,8 +69,8 @@ private:
 
     std::uint32_t ReadIntegerBit2(unsigned char first);
     std::uint32_t ReadIntegerBit2WithZero(unsigned char first);
-    std::uint32_t ReadIntegerBit3(unsigned char first);
-    std::uint32_t ReadIntegerBit4(unsigned char first);
+    // The integers that start on the third or fourth bit (FIIntegerLadder.h).
+    std::uint32_t ReadInteger(FIIntegerLadder const &ladder, unsigned char first);
     std::uint64_t ReadOctetStringLengthBit2(unsigned char first);
     std::uint64_t ReadOctetStringLengthBit5(unsigned char first);
     std::uint64_t ReadOctetStringLengthBit7(unsigned char first);

@@ -1,6 +1,7 @@
 #include "fastinfoset/FastInfosetWriter.h"
 
 #include "fastinfoset/FastInfosetBinaryData.h"
+#include "fastinfoset/FIIntegerLadder.h"
 #include "fastinfoset/FastInfosetContext.h"
 #include "runtime/BinaryStream.h"
 #include "runtime/FormatString.h"
@@ -373,7 +374,7 @@ void CFastInfosetWriter::AppendElementQName(unsigned char flags, std::string con
     std::uint32_t index;
     if (CFIVocabulary::FindIndex(Vocabulary->ElementNamesMap, key, index))
     {
-        AppendIntegerBit3(flags, index);
+        AppendInteger(kIntegerOnBit3, flags, index);
         return;
     }
     Put(flags | 0x3C | (prefix.empty() ? 0 : 2) | (namespaceUri.empty() ? 0 : 1));
@@ -394,7 +395,7 @@ void CFastInfosetWriter::AppendAttributeValue(std::string const &text, ItemType 
     }
     if (text.size() >= Context->GetAttributeMaxAddLength())
     {
-        AppendEncodedCharacterStringBit5(0, text, type);
+        AppendEncodedCharacterString(kStringOnBit5, 0, text, type);
         return;
     }
     std::uint32_t index;
@@ -403,7 +404,7 @@ void CFastInfosetWriter::AppendAttributeValue(std::string const &text, ItemType 
         AppendIntegerBit2(0x80, index);
         return;
     }
-    AppendEncodedCharacterStringBit5(0x40, text, type);
+    AppendEncodedCharacterString(kStringOnBit5, 0x40, text, type);
     CFIVocabulary::AddValueToMap(text, Vocabulary->AttributeValuesMap);
 }
 
@@ -411,21 +412,21 @@ void CFastInfosetWriter::AppendCharacterChunk(std::string const &text, ItemType 
 {
     if (text.size() >= Context->GetElementMaxAddLength())
     {
-        AppendEncodedCharacterStringBit7(0x80, text, type);
+        AppendEncodedCharacterString(kStringOnBit7, 0x80, text, type);
         return;
     }
     std::uint32_t index;
     if (CFIVocabulary::FindIndex(Vocabulary->CharacterChunksMap, text, index))
     {
-        AppendIntegerBit4(index);
+        AppendInteger(kIntegerOnBit4, 0xA0, index);
         return;
     }
-    AppendEncodedCharacterStringBit7(0x90, text, type);
+    AppendEncodedCharacterString(kStringOnBit7, 0x90, text, type);
     CFIVocabulary::AddValueToMap(text, Vocabulary->CharacterChunksMap);
 }
 
-void CFastInfosetWriter::AppendEncodedCharacterStringBit5(unsigned char flags, std::string const &text,
-                                                          ItemType type)
+void CFastInfosetWriter::AppendEncodedCharacterString(CharacterStringForm const &form, unsigned char flags,
+                                                      std::string const &text, ItemType type)
 {
     CFastInfosetContext::EncodedCharacterString const encoding = Context->GetEncoding(type);
     switch (encoding.Type)
@@ -434,44 +435,28 @@ void CFastInfosetWriter::AppendEncodedCharacterStringBit5(unsigned char flags, s
         if (Context->GetDefaultStringEncoding() == 1)
             throw CMxException(
                 "Failed to write FastInfoset. Unsupported Feature UTF16BE in EncodedCharacterStringBit5.");
-        AppendNonEmptyOctetStringBit5(flags, Utf8(text));
+        (this->*form.appendOctets)(flags, Utf8(text));
         return;
     case 1:
     case 2: {
         std::string const octets = EncodeValue(encoding.Type, encoding.Value, text);
         std::uint32_t const number = encoding.Value - 1; // [0, 9]
-        Put(flags | (encoding.Type == 1 ? 0x20 : 0x30) | (number >> 4));
-        AppendNonEmptyOctetStringBit5(Octet(number << 4), octets);
+        // The number's high bits close this octet, its low bits open the length's.
+        Put(flags | (encoding.Type == 1 ? form.alphabetTag : form.algorithmTag) | (number >> (8 - form.lowShift)));
+        (this->*form.appendOctets)(Octet(number << form.lowShift), octets);
         return;
     }
     default:
-        throw CMxException("Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit5.");
+        throw CMxException(form.unknownEncoding);
     }
 }
 
-void CFastInfosetWriter::AppendEncodedCharacterStringBit7(unsigned char flags, std::string const &text, ItemType type)
-{
-    CFastInfosetContext::EncodedCharacterString const encoding = Context->GetEncoding(type);
-    switch (encoding.Type)
-    {
-    case 0:
-        if (Context->GetDefaultStringEncoding() == 1)
-            throw CMxException(
-                "Failed to write FastInfoset. Unsupported Feature UTF16BE in EncodedCharacterStringBit5.");
-        AppendNonEmptyOctetStringBit7(flags, Utf8(text));
-        return;
-    case 1:
-    case 2: {
-        std::string const octets = EncodeValue(encoding.Type, encoding.Value, text);
-        std::uint32_t const number = encoding.Value - 1; // [0, 9]
-        Put(flags | (encoding.Type == 1 ? 0x08 : 0x0C) | (number >> 6));
-        AppendNonEmptyOctetStringBit7(Octet(number << 2), octets);
-        return;
-    }
-    default:
-        throw CMxException("Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit7.");
-    }
-}
+CFastInfosetWriter::CharacterStringForm const CFastInfosetWriter::kStringOnBit5 = {
+    &CFastInfosetWriter::AppendNonEmptyOctetStringBit5, 0x20, 0x30, 4,
+    "Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit5."};
+CFastInfosetWriter::CharacterStringForm const CFastInfosetWriter::kStringOnBit7 = {
+    &CFastInfosetWriter::AppendNonEmptyOctetStringBit7, 0x08, 0x0C, 2,
+    "Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit7."};
 
 std::string CFastInfosetWriter::EncodeValue(std::uint32_t kind, std::uint32_t value, std::string const &text)
 {
@@ -619,60 +604,34 @@ void CFastInfosetWriter::AppendIntegerBit2(unsigned char flags, std::uint32_t n)
     }
 }
 
-void CFastInfosetWriter::AppendIntegerBit3(unsigned char flags, std::uint32_t n)
+void CFastInfosetWriter::AppendInteger(FIIntegerLadder const &ladder, unsigned char flags, std::uint32_t n)
 {
-    if (n < 33)
-        Put(flags | Octet(n - 1)); // [0, 31]
-    else if (n < 2081)
+    if (n < ladder.twoBase)
     {
-        std::uint32_t const v = n - 33; // [0, 2047]
-        Put(flags | 0x20 | Octet(v >> 8));
-        Put(Octet(v));
+        Put(flags | Octet(n - 1));
+        return;
     }
-    else if (n < 526369)
+    if (n < ladder.threeBase)
     {
-        std::uint32_t const v = n - 2081; // [0, 524287]
-        Put(flags | 0x28 | Octet(v >> 16));
-        Put(Octet(v >> 8));
+        std::uint32_t const v = n - ladder.twoBase;
+        Put(flags | ladder.twoOctets | Octet(v >> 8));
         Put(Octet(v));
+        return;
+    }
+    std::uint32_t v;
+    if (n < ladder.fourBase)
+    {
+        v = n - ladder.threeBase;
+        Put(flags | ladder.threeOctets | Octet(v >> 16));
     }
     else
     {
-        // One less than the reader adds back: reached only past half a
-        // million names, and kept so that old documents read the same.
-        std::uint32_t const v = n - 526368;
-        Put(flags | 0x30);
+        v = n - ladder.fourWriteBase;
+        Put(flags | ladder.fourOctets);
         Put(Octet(v >> 16));
-        Put(Octet(v >> 8));
-        Put(Octet(v));
     }
-}
-
-void CFastInfosetWriter::AppendIntegerBit4(std::uint32_t n)
-{
-    if (n < 17)
-        Put(0xA0 | Octet(n - 1)); // [0, 15]
-    else if (n < 1041)
-    {
-        std::uint32_t const v = n - 17; // [0, 1023]
-        Put(0xB0 | Octet(v >> 8));
-        Put(Octet(v));
-    }
-    else if (n < 263185)
-    {
-        std::uint32_t const v = n - 1041; // [0, 262143]
-        Put(0xB4 | Octet(v >> 16));
-        Put(Octet(v >> 8));
-        Put(Octet(v));
-    }
-    else
-    {
-        std::uint32_t const v = n - 263185;
-        Put(0xB8);
-        Put(Octet(v >> 16));
-        Put(Octet(v >> 8));
-        Put(Octet(v));
-    }
+    Put(Octet(v >> 8));
+    Put(Octet(v));
 }
 
 std::string_view CFastInfosetWriter::Utf8(std::string const &text)

@@ -5,9 +5,9 @@
 // whether attributes follow, so it is held back until the next call tells.
 // Terminators are four bits; two that meet share one octet (FF).
 
-#include "binding/SerializationContext.h"
 #include "document/XmlWriter.h"
 #include "fastinfoset/FIVocabulary.h"
+#include "runtime/OptionEnums.h"
 
 #include <cstdint>
 #include <string>
@@ -18,6 +18,7 @@ namespace MxXmlLib
 
 class CBinaryStream;
 class CFastInfosetContext;
+struct FIIntegerLadder;
 
 class CFastInfosetWriter : public CXmlWriter
 {
@@ -72,8 +73,19 @@ private:
                             std::string const &localName);
     void AppendAttributeValue(std::string const &text, ItemType type);
     void AppendCharacterChunk(std::string const &text, ItemType type);
-    void AppendEncodedCharacterStringBit5(unsigned char flags, std::string const &text, ItemType type);
-    void AppendEncodedCharacterStringBit7(unsigned char flags, std::string const &text, ItemType type);
+    // Where an encoded character string starts on the fifth or the seventh
+    // bit: its length's form, the tags of a restricted alphabet and of an
+    // algorithm, and how many low bits of the table number open the length.
+    struct CharacterStringForm
+    {
+        void (CFastInfosetWriter::*appendOctets)(unsigned char prefix, std::string_view octets);
+        unsigned char alphabetTag, algorithmTag;
+        unsigned lowShift;
+        char const *unknownEncoding;
+    };
+    static CharacterStringForm const kStringOnBit5, kStringOnBit7;
+    void AppendEncodedCharacterString(CharacterStringForm const &form, unsigned char flags, std::string const &text,
+                                      ItemType type);
     // The value's octets, by restricted alphabet (kind 1) or algorithm (2).
     std::string EncodeValue(std::uint32_t kind, std::uint32_t value, std::string const &text);
     std::string AppendRestrictedAlphabetString(std::uint32_t alphabet, std::string const &text);
@@ -82,8 +94,8 @@ private:
     void AppendNonEmptyOctetStringBit5(unsigned char prefix, std::string_view octets);
     void AppendNonEmptyOctetStringBit7(unsigned char prefix, std::string_view octets);
     void AppendIntegerBit2(unsigned char flags, std::uint32_t n);
-    void AppendIntegerBit3(unsigned char flags, std::uint32_t n);
-    void AppendIntegerBit4(std::uint32_t n);
+    // The integers that start on the third or fourth bit (FIIntegerLadder.h).
+    void AppendInteger(FIIntegerLadder const &ladder, unsigned char flags, std::uint32_t n);
     void AppendLength32(std::uint32_t n);
 
     // Local text as UTF-8; a view of `text` itself where no conversion is due.

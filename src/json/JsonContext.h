@@ -1,17 +1,11 @@
 #pragma once
 
+#include "runtime/OptionEnums.h"
+
 #include <string>
 
 namespace MxXmlLib
 {
-
-// How much XML structure JSON keys keep; the numbers are part of the interface.
-enum JsonRoundTrip
-{
-    RoundTripNone = 0,       // attributes are plain keys; text that needs a key goes under ""
-    RoundTripAttributes = 1, // attributes carry '@', text is "#text"; no namespaces
-    RoundTripFull = 2,       // as 1, with namespaces, prefixes and xsi:type kept
-};
 
 // The JSON options of both directions. A CSerializationContext owns one,
 // built on first use.

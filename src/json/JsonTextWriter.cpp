@@ -10,7 +10,6 @@ namespace
 {
 char const kXsiNamespace[] = "http://www.w3.org/2001/XMLSchema-instance";
 char const kXmlNamespace[] = "http://www.w3.org/XML/1998/namespace";
-constexpr std::uint32_t kFlushThreshold = 4096;
 
 // Bytes that WriteEscaped must look at: the end and the control characters
 // other than backspace, tab and form feed, which are copied as they stand.
@@ -61,19 +60,6 @@ void CJsonTextWriter::WriteIndent(std::int32_t depth)
     for (std::int32_t i = 0; i < depth; ++i)
         indent += m_indentChars;
     Write(indent);
-}
-
-void CJsonTextWriter::FlushCheck()
-{
-    if (m_stream->GetLength() >= kFlushThreshold)
-        m_stream->Flush();
-}
-
-CXmlWriter::CXmlWriterContext &CJsonTextWriter::Current()
-{
-    if (m_current == nullptr)
-        throw CMxInvalidStateException("No element is open.");
-    return *m_current;
 }
 
 void CJsonTextWriter::StartDocument()

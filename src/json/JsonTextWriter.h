@@ -1,8 +1,8 @@
 #pragma once
 
-#include "binding/SerializationContext.h"
 #include "document/XmlWriter.h"
 #include "json/JsonContext.h"
+#include "runtime/OptionEnums.h"
 #include "runtime/TextStream.h"
 
 namespace MxXmlLib
@@ -66,8 +66,7 @@ protected:
     void WriteValue(std::string const &value, ItemType type);
     // "@xmlns" (empty prefix) or "@xmlns:<prefix>" with its URI, as a member of `context`.
     void WriteDeclaration(Context *context, std::string const &prefix, std::string const &uri);
-    void FlushCheck();
-    Context &Current();
+    void FlushCheck() { CXmlWriter::FlushCheck(*m_stream); }
 
     std::string m_indentChars;
     std::string m_eolString;

@@ -342,6 +342,23 @@ CXmlElement *CElementInfo::FromXml_Int(CXmlObjectBase *object, CXmlElement *elem
     return CXmlObjectBase::FromXml_Int(object, element, cursor, context, optionalChoice);
 }
 
+bool CElementInfo::ReadAndStoreChild(CSerializationContext const &context, CXmlGeneratedClass *object,
+                                     CXmlElement *parent, CXmlElement **current, CXmlObjectBase *child,
+                                     bool ownElement) const
+{
+    CXmlElement *const at = *current;
+    CXmlElement *const next = ownElement ? RowSteps::ReadOwnElement(child, at, context, false)
+                                         : FromXml_Int(child, parent, at, context, false);
+    bool const took = ownElement || next != at;
+    if (took)
+    {
+        MxVariant cell = RowSteps::ObjectCell(child);
+        InvokePropertySet(object, cell, *parent);
+    }
+    *current = next;
+    return took;
+}
+
 void CElementInfo::AttributesToXml_Int(CXmlObjectBase const *object, CXmlWriter *writer,
                                        CSerializationContext const &context) const
 {

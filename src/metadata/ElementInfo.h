@@ -172,6 +172,12 @@ protected:
                             CXmlElement **current);
     CXmlElement *FromXml_Int(CXmlObjectBase *object, CXmlElement *element, CXmlElement *cursor,
                              CSerializationContext const &context, bool optionalChoice) const;
+    // Reads a newly made `child` at the cursor, as an element of its own
+    // (`ownElement`) or inline from the parent's children, and stores it in
+    // the property when it took something. Moves the cursor past what it took
+    // and says whether it took anything; an own element always takes itself.
+    bool ReadAndStoreChild(CSerializationContext const &context, CXmlGeneratedClass *object, CXmlElement *parent,
+                           CXmlElement **current, CXmlObjectBase *child, bool ownElement) const;
     void AttributesToXml_Int(CXmlObjectBase const *object, CXmlWriter *writer,
                              CSerializationContext const &context) const;
     // A collection of pseudo elements forwards the attributes of its items to

@@ -102,8 +102,9 @@ bool CElementInfoAllAbsClsMnd::ElementToXml(CSerializationContext const &context
 // A real child must carry the row's name before the factory is asked; an
 // inline one is the factory's to judge, whatever stands at the cursor (null
 // included). A factory that finds no class leaves the row unsatisfied.
-bool CElementInfoAllAbsClsMnd::ReadMade(CSerializationContext const &context, CXmlGeneratedClass *object,
-                                        CXmlElement *parent, CXmlElement **current) const
+bool CElementInfoAllAbsClsMnd::ElementFromXml(CSerializationContext const &context, CXmlGeneratedClass *object,
+                                              CXmlElement *parent, CXmlElement **current, char const *,
+                                              XmlElementType)
 {
     CXmlElement *const at = *current;
     if (m_elementType == XmlElementType_Element && !IsThisElement(context, at))
@@ -111,26 +112,7 @@ bool CElementInfoAllAbsClsMnd::ReadMade(CSerializationContext const &context, CX
     CSmartPtr<CXmlObjectBase> child = m_factory(at);
     if (child.IsNull())
         return false;
-    MxVariant cell = ObjectCell(child);
-    if (m_elementType == XmlElementType_Element)
-    {
-        *current = ReadReal(child, at, context, false);
-        InvokePropertySet(object, cell, *parent);
-        return true;
-    }
-    CXmlElement *const next = FromXml_Int(child, parent, at, context, false);
-    bool const progress = next != at;
-    if (progress)
-        InvokePropertySet(object, cell, *parent);
-    *current = next;
-    return progress;
-}
-
-bool CElementInfoAllAbsClsMnd::ElementFromXml(CSerializationContext const &context, CXmlGeneratedClass *object,
-                                              CXmlElement *parent, CXmlElement **current, char const *,
-                                              XmlElementType)
-{
-    return ReadMade(context, object, parent, current);
+    return ReadAndStoreChild(context, object, parent, current, child, m_elementType == XmlElementType_Element);
 }
 
 bool CElementInfoAllAbsClsMnd::Validate(CSerializationContext const &, CXmlGeneratedClass const *, bool found,
@@ -169,19 +151,7 @@ bool CElementInfoAllAbsClsOpt::ElementFromXml(CSerializationContext const &conte
     CSmartPtr<CXmlObjectBase> child = m_factory(at);
     if (child.IsNull())
         return false;
-    MxVariant cell = ObjectCell(child);
-    if (m_elementType == XmlElementType_Element)
-    {
-        *current = ReadReal(child, at, context, false);
-        InvokePropertySet(object, cell, *parent);
-        return true;
-    }
-    CXmlElement *const next = FromXml_Int(child, parent, at, context, false);
-    bool const progress = next != at;
-    if (progress)
-        InvokePropertySet(object, cell, *parent);
-    *current = next;
-    return progress;
+    return ReadAndStoreChild(context, object, parent, current, child, m_elementType == XmlElementType_Element);
 }
 
 bool CElementInfoAllAbsClsOpt::Validate(CSerializationContext const &, CXmlGeneratedClass const *, bool, bool) const
@@ -222,7 +192,7 @@ bool CElementInfoAllClsMnd::ElementFromXml(CSerializationContext const &context,
     CSmartPtr<CXmlObjectBase> child = HeldObject(value, m_elementName);
     if (m_elementType == XmlElementType_Element)
     {
-        *current = ReadReal(child, *current, context, false);
+        *current = ReadOwnElement(child, *current, context, false);
         return true;
     }
     CXmlElement *const at = *current;
@@ -267,19 +237,7 @@ bool CElementInfoAllClsOpt::ElementFromXml(CSerializationContext const &context,
     if (m_elementType == XmlElementType_Element ? !IsThisElement(context, at) : at == nullptr)
         return false;
     CSmartPtr<CXmlObjectBase> child = MadeObject(m_factory(m_classId, m_elementName.c_str()), m_elementName);
-    MxVariant cell = ObjectCell(child);
-    if (m_elementType == XmlElementType_Element)
-    {
-        *current = ReadReal(child, at, context, false);
-        InvokePropertySet(object, cell, *parent);
-        return true;
-    }
-    CXmlElement *const next = FromXml_Int(child, parent, at, context, false);
-    bool const progress = next != at;
-    if (progress)
-        InvokePropertySet(object, cell, *parent);
-    *current = next;
-    return progress;
+    return ReadAndStoreChild(context, object, parent, current, child, m_elementType == XmlElementType_Element);
 }
 
 bool CElementInfoAllClsOpt::Validate(CSerializationContext const &, CXmlGeneratedClass const *, bool, bool) const

@@ -102,10 +102,6 @@ protected:
     XmlElementType m_elementType;
     CClassfactoryBase::FactoryByElement m_factory;
     int m_unused; // kept for the generated constructor; nothing reads it
-
-    // Makes, reads and stores; false when nothing was taken.
-    bool ReadMade(CSerializationContext const &context, CXmlGeneratedClass *object, CXmlElement *parent,
-                  CXmlElement **current) const;
 };
 
 // A substitutable class, at most once. As CElementInfoAllAbsClsMnd, but the

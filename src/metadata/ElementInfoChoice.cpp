@@ -148,7 +148,7 @@ bool CElementInfoChoiceAbsClsOpt::ElementFromXml(CSerializationContext const &co
     InvokePropertySet(object, cell, *parent);
     if (child.IsNull())
         return false;
-    *current = ReadReal(child, *current, context, false);
+    *current = ReadOwnElement(child, *current, context, false);
     return true;
 }
 
@@ -187,7 +187,7 @@ bool CElementInfoChoiceClsOpt::ElementFromXml(CSerializationContext const &conte
     InvokePropertySet(object, cell, *parent);
     if (m_elementType == XmlElementType_Element)
     {
-        *current = ReadReal(child, at, context, true);
+        *current = ReadOwnElement(child, at, context, true);
         return true;
     }
     CXmlElement *const next = FromXml_Int(child, parent, at, context, false);

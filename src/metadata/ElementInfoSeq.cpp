@@ -145,11 +145,7 @@ bool CElementInfoSeqAbsClsMnd::ElementFromXml(CSerializationContext const &conte
             return false;
         ThrowNoSubstitution(m_elementName, parent);
     }
-    CXmlElement *const next = ReadReal(child, *current, context, false);
-    MxVariant cell = ObjectCell(child);
-    InvokePropertySet(object, cell, *parent);
-    *current = next;
-    return true;
+    return ReadAndStoreChild(context, object, parent, current, child, true);
 }
 
 void CElementInfoSeqAbsClsMnd::PseudoChildAttributeToXml(CSerializationContext const &context,
@@ -181,11 +177,7 @@ bool CElementInfoSeqAbsClsOpt::ElementFromXml(CSerializationContext const &conte
     CSmartPtr<CXmlObjectBase> child = m_factory(*current);
     if (child.IsNull())
         return true;
-    CXmlElement *const next = ReadReal(child, *current, context, false);
-    MxVariant cell = ObjectCell(child);
-    InvokePropertySet(object, cell, *parent);
-    *current = next;
-    return true;
+    return ReadAndStoreChild(context, object, parent, current, child, true);
 }
 
 void CElementInfoSeqAbsClsOpt::PseudoChildAttributeToXml(CSerializationContext const &context,
@@ -218,7 +210,7 @@ bool CElementInfoSeqClsMnd::ElementFromXml(CSerializationContext const &context,
                                            XmlElementType ownerType)
 {
     if (m_elementType != XmlElementType_Element)
-        return ReadInline(context, object, parent, current, ownerType);
+        return ReadHeldInline(context, object, parent, current, ownerType);
     if (ownerType != XmlElementType_Element)
     {
         if (!IsThisElement(context, *current))
@@ -229,14 +221,14 @@ bool CElementInfoSeqClsMnd::ElementFromXml(CSerializationContext const &context,
         return true;
     MxVariant value;
     InvokePropertyGet(object, value);
-    *current = ReadReal(HeldObject(value, m_elementName), *current, context, false);
+    *current = ReadOwnElement(HeldObject(value, m_elementName), *current, context, false);
     return true;
 }
 
 // An inline child reads from the parent's children. Without content
 // required, taking nothing is fine, except that a real element which skips
 // unknown elements answers false so the driver skips one and asks again.
-bool CElementInfoSeqClsMnd::ReadInline(CSerializationContext const &context, CXmlGeneratedClass *object,
+bool CElementInfoSeqClsMnd::ReadHeldInline(CSerializationContext const &context, CXmlGeneratedClass *object,
                                        CXmlElement *parent, CXmlElement **current, XmlElementType ownerType)
 {
     bool const real = ownerType == XmlElementType_Element;
@@ -292,27 +284,10 @@ bool CElementInfoSeqClsOpt::ElementToXml(CSerializationContext const &context, C
 bool CElementInfoSeqClsOpt::ElementFromXml(CSerializationContext const &context, CXmlGeneratedClass *object,
                                            CXmlElement *parent, CXmlElement **current, char const *, XmlElementType)
 {
-    if (m_elementType == XmlElementType_Element)
-    {
-        if (!IsThisElement(context, *current))
-            return true;
-        CSmartPtr<CXmlObjectBase> child = MadeObject(m_factory(m_classId, m_elementName.c_str()), m_elementName);
-        *current = ReadReal(child, *current, context, false);
-        MxVariant cell = ObjectCell(child);
-        InvokePropertySet(object, cell, *parent);
-        return true;
-    }
-    CXmlElement *const at = *current;
-    if (at == nullptr)
+    if (m_elementType == XmlElementType_Element ? !IsThisElement(context, *current) : *current == nullptr)
         return true;
     CSmartPtr<CXmlObjectBase> child = MadeObject(m_factory(m_classId, m_elementName.c_str()), m_elementName);
-    CXmlElement *const next = FromXml_Int(child, parent, at, context, false);
-    if (next != at)
-    {
-        MxVariant cell = ObjectCell(child);
-        InvokePropertySet(object, cell, *parent);
-    }
-    *current = next;
+    ReadAndStoreChild(context, object, parent, current, child, m_elementType == XmlElementType_Element);
     return true;
 }
 

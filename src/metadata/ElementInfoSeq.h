@@ -154,7 +154,8 @@ protected:
     bool m_contentRequired;
 
 private:
-    bool ReadInline(CSerializationContext const &context, CXmlGeneratedClass *object, CXmlElement *parent,
+    // The inline child the property already holds reads from the parent's children.
+    bool ReadHeldInline(CSerializationContext const &context, CXmlGeneratedClass *object, CXmlElement *parent,
                     CXmlElement **current, XmlElementType ownerType);
 };
 

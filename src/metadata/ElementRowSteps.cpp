@@ -46,7 +46,7 @@ CElementCol *AsElementCol(CXmlCollectionBase *collection)
     return elements;
 }
 
-CXmlElement *ReadReal(CXmlObjectBase *object, CXmlElement *element, CSerializationContext const &context,
+CXmlElement *ReadOwnElement(CXmlObjectBase *object, CXmlElement *element, CSerializationContext const &context,
                       bool optionalChoice)
 {
     CXmlObjectBase::FromXml_Int(object, element, element->GetFirstElement(), context, optionalChoice);

@@ -2,7 +2,8 @@
 
 // Steps that rows of more than one group share and that need nothing of a
 // row but its name: turning a property's cell into the object it holds,
-// reading a real child, the untyped reads and the row failures. Internal to
+// reading a child as an element of its own, the untyped reads and the row
+// failures. Internal to
 // the element rows; generated code never sees it.
 
 #include "document/XmlDocument.h"
@@ -34,8 +35,9 @@ MxXmlLib::CSmartPtr<MxXmlLib::CXmlCollectionBase> HeldCollection(MxVariant const
 // The collection of a named untyped collection row, which must be a CElementCol.
 MxXmlLib::CElementCol *AsElementCol(MxXmlLib::CXmlCollectionBase *collection);
 
-// Reads `element` into `object` from its own children; gives its next sibling.
-CXmlElement *ReadReal(CXmlObjectBase *object, CXmlElement *element, CSerializationContext const &context,
+// Reads `element` into `object` as an element of its own (its attributes and
+// children, not the parent's); gives its next sibling.
+CXmlElement *ReadOwnElement(CXmlObjectBase *object, CXmlElement *element, CSerializationContext const &context,
                       bool optionalChoice);
 // A cell of type 27 for storing through AccessProperty.
 MxVariant ObjectCell(CXmlObjectBase *object);

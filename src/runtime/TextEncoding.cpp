@@ -1,5 +1,6 @@
 #include "runtime/TextEncoding.h"
 
+#include "runtime/Utf8Codec.h"
 #include "runtime/platform/Platform.h"
 
 #include <cstdint>
@@ -26,62 +27,9 @@ bool IsUtf8Local(unsigned codePage)
 
 } // namespace
 
-// Strict UTF-8: no overlong forms, no surrogates, nothing above U+10FFFF,
-// which is what the code-page decoder accepts without replacing anything.
 bool IsWellFormedUtf8(unsigned char const *p, std::size_t length)
 {
-    unsigned char const *const end = p + length;
-    while (p < end)
-    {
-        // Runs of ASCII go eight bytes at a time.
-        while (end - p >= 8)
-        {
-            std::uint64_t word;
-            std::memcpy(&word, p, 8);
-            if (word & 0x8080808080808080ULL)
-                break;
-            p += 8;
-        }
-        if (p == end)
-            break;
-        unsigned char const c = *p;
-        if (c < 0x80)
-        {
-            ++p;
-            continue;
-        }
-        std::size_t need;
-        unsigned char low = 0x80, high = 0xBF; // bounds of the second byte
-        if (c >= 0xC2 && c <= 0xDF)
-            need = 1;
-        else if (c >= 0xE0 && c <= 0xEF)
-        {
-            need = 2;
-            if (c == 0xE0)
-                low = 0xA0;
-            else if (c == 0xED)
-                high = 0x9F;
-        }
-        else if (c >= 0xF0 && c <= 0xF4)
-        {
-            need = 3;
-            if (c == 0xF0)
-                low = 0x90;
-            else if (c == 0xF4)
-                high = 0x8F;
-        }
-        else
-            return false;
-        if (static_cast<std::size_t>(end - p) <= need)
-            return false;
-        if (p[1] < low || p[1] > high)
-            return false;
-        for (std::size_t i = 2; i <= need; ++i)
-            if ((p[i] & 0xC0) != 0x80)
-                return false;
-        p += need + 1;
-    }
-    return true;
+    return Utf8::IsWellFormed(p, length);
 }
 
 void ASCIIOnly(bool asciiOnly)

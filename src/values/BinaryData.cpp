@@ -4,6 +4,7 @@
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
 #include "runtime/TextEncoding.h"
+#include "runtime/Utf8Codec.h"
 #include "runtime/platform/Platform.h"
 #include "values/Base64.h"
 
@@ -92,11 +93,6 @@ long NextCodePoint(wchar_t const *text, std::size_t &i)
     return static_cast<long>(unit);
 }
 
-std::size_t Utf8Size(long codePoint)
-{
-    return codePoint < 0x80 ? 1 : codePoint < 0x800 ? 2 : codePoint < 0x10000 ? 3 : 4;
-}
-
 // Bytes of the UTF-8 form, 0 when a unit is bad.
 std::size_t MeasureUtf8(wchar_t const *text, std::size_t units)
 {
@@ -106,7 +102,7 @@ std::size_t MeasureUtf8(wchar_t const *text, std::size_t units)
         long const c = NextCodePoint(text, i);
         if (c < 0)
             return 0;
-        size += Utf8Size(c);
+        size += Utf8::EncodedSize(static_cast<unsigned long>(c));
     }
     return size;
 }
@@ -118,29 +114,9 @@ std::size_t WriteUtf8(wchar_t const *text, std::size_t units, unsigned char *out
     for (std::size_t i = 0; i < units;)
     {
         long const c = NextCodePoint(text, i);
-        if (c < 0 || n + Utf8Size(c) > size)
+        if (c < 0 || n + Utf8::EncodedSize(static_cast<unsigned long>(c)) > size)
             break;
-        switch (Utf8Size(c))
-        {
-        case 1:
-            out[n++] = static_cast<unsigned char>(c);
-            break;
-        case 2:
-            out[n++] = static_cast<unsigned char>(0xC0 | (c >> 6));
-            out[n++] = static_cast<unsigned char>(0x80 | (c & 0x3F));
-            break;
-        case 3:
-            out[n++] = static_cast<unsigned char>(0xE0 | (c >> 12));
-            out[n++] = static_cast<unsigned char>(0x80 | ((c >> 6) & 0x3F));
-            out[n++] = static_cast<unsigned char>(0x80 | (c & 0x3F));
-            break;
-        default:
-            out[n++] = static_cast<unsigned char>(0xF0 | (c >> 18));
-            out[n++] = static_cast<unsigned char>(0x80 | ((c >> 12) & 0x3F));
-            out[n++] = static_cast<unsigned char>(0x80 | ((c >> 6) & 0x3F));
-            out[n++] = static_cast<unsigned char>(0x80 | (c & 0x3F));
-            break;
-        }
+        n += Utf8::Encode(static_cast<unsigned long>(c), out + n);
     }
     return n;
 }

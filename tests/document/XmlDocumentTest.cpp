@@ -1,4 +1,5 @@
 #include "document/XmlDocument.h"
+#include "binding/SerializationContext.h"
 #include "runtime/MxException.h"
 
 #include <gtest/gtest.h>

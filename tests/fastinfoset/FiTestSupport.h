@@ -185,4 +185,42 @@ inline std::string PeerUnavailable()
     return reason;
 }
 
+// Documents whose names, attribute values and character chunks cross every
+// index and length boundary of the format. "indexes-N": N distinct element
+// names, attribute names, values and texts, each used twice, so that the
+// second use goes by index (one-, two- and three-octet index forms meet at
+// 16/17, 32/33, 64/65 and 2080/2081). "lengths-L": a name, value and text of
+// L octets, twice (the length prefixes change at 2/3, 8/9, 64/65, 320/321).
+inline std::vector<std::pair<std::string, std::string>> BoundaryDocuments()
+{
+    std::vector<std::pair<std::string, std::string>> documents;
+    for (int count : {16, 17, 32, 33, 64, 65, 2080, 2081})
+    {
+        std::string xml = "<r>";
+        for (int use = 0; use < 2; ++use)
+            for (int k = 0; k < count; ++k)
+            {
+                std::string const n = std::to_string(k);
+                xml += "<e" + n + " a" + n + "=\"v" + n + "\">t" + n + "</e" + n + ">";
+            }
+        documents.emplace_back("indexes-" + std::to_string(count), xml + "</r>");
+    }
+    for (std::size_t length : {2, 3, 8, 9, 64, 65, 320, 321})
+    {
+        std::string const name(length, 'n'), value(length, 'v'), text(length, 't');
+        std::string const one = "<" + name + " x=\"" + value + "\">" + text + "</" + name + ">";
+        documents.emplace_back("lengths-" + std::to_string(length), "<r>" + one + one + "</r>");
+    }
+    return documents;
+}
+
+// Our Fast Infoset of an XML text, by way of the untyped tree.
+inline std::string FiOf(std::string const &xml, MxXmlLib::FInfoDecl declaration = MxXmlLib::FInfoDecl_None,
+                        MxXmlLib::CompressionType compression = MxXmlLib::CompressionNone)
+{
+    MxXmlLib::CSmartPtr<MxXmlLib::CElement> element(new MxXmlLib::CElement("unread"));
+    element->FromXml(xml.c_str());
+    return Bytes(element->ToFastInfosetStream(declaration, MxXmlLib::CSerializationContext(), compression));
+}
+
 } // namespace MxFiTest

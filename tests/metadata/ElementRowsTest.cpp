@@ -183,6 +183,11 @@ Case const kRoundTrips[] = {
      "<height>2</height></layout>",
      "<layout xmlns=\"urn:m\" units=\"mm\"><width>1</width><height>2</height><email>e</email><radius>1</radius>"
      "<side>2</side></layout>"},
+    // An inline choice of repeated alternatives: the cursor moves past the whole run.
+    {"inline choice, a run of the first alternative", &New<CLabelled>, None,
+     "<labelled xmlns=\"urn:m\"><tag>a</tag><tag>b</tag><tag>c</tag><note>n</note></labelled>", nullptr},
+    {"inline choice, a run of the second alternative, nothing after it", &New<CLabelled>, None,
+     "<labelled xmlns=\"urn:m\"><code>1</code><code>2</code></labelled>", nullptr},
     {"all of inline children, optional ones absent", &New<CLayout>, None,
      "<layout xmlns=\"urn:m\"><width>1</width><height>2</height><radius>1</radius></layout>", nullptr},
 };

@@ -442,6 +442,60 @@ void CPick::Init()
     extra = new CElementCol(kNs, "##any", kNs, 0, -1);
 }
 
+void CLabels::BuildTables(CTables &t)
+{
+    t.info = Info(XmlElementGroupType_Choice, XmlElementType_PseudoGroup, "labels", false);
+    t.elements = Rows({
+        new CElementInfoChoicePrimCol("tag", kNs, 0),
+        new CElementInfoChoicePrimCol("code", kNs, 1),
+    });
+    t.attributes = Attributes({});
+}
+
+void CLabels::AccessProperty(int index, bool read, MxVariant &value)
+{
+    switch (index)
+    {
+    case 0: return AccessObject(read, value, tag);
+    case 1: return AccessObject(read, value, code);
+    default: NoSuchProperty(index);
+    }
+}
+
+void CLabels::Init()
+{
+    tag = NewPrimitiveCol<CstringCol>("tag", 1, -1);
+    code = NewPrimitiveCol<Ci4Col>("code", 1, 3);
+}
+
+void CLabelled::BuildTables(CTables &t)
+{
+    t.info = Info(XmlElementGroupType_Sequence, XmlElementType_Element, "labelled", true);
+    t.elements = Rows({
+        new CElementInfoSeqClsMnd("labels", kNs, 0, XmlElementType_PseudoGroup, &CModelFactory::MakeByNumber,
+                                  ClassId_Labels, true),
+        new CElementInfoSeqPrimOpt("note", kNs, 1, false, ItemType_string, nullptr, WS::Preserve, NoFacets(),
+                                   nullptr),
+    });
+    t.attributes = Attributes({});
+}
+
+void CLabelled::AccessProperty(int index, bool read, MxVariant &value)
+{
+    switch (index)
+    {
+    case 0: return AccessObject(read, value, labels);
+    case 1: return AccessCell(read, value, note);
+    default: NoSuchProperty(index);
+    }
+}
+
+void CLabelled::Init()
+{
+    labels = Make<CLabels>(ClassId_Labels, "labels");
+    note.Clear();
+}
+
 void CPicks::BuildTables(CTables &t)
 {
     t.info = Info(XmlElementGroupType_Choice, XmlElementType_Element, "picks", true);

@@ -155,6 +155,31 @@ public:
     CSmartPtr<MxXmlLib::CElementCol> rest;
 };
 
+// Pseudo group, a choice of repeated alternatives: <tag>string</tag>+ or
+// <code>i4</code>{1,3}.
+class CLabels : public CGenerated<CLabels>
+{
+public:
+    CLabels() { SetElementName("labels"); Init(); }
+    void AccessProperty(int index, bool read, MxVariant &value) override;
+    void Init() override;
+    static void BuildTables(CTables &tables);
+    CSmartPtr<MxXmlLib::CstringCol> tag;
+    CSmartPtr<MxXmlLib::Ci4Col> code;
+};
+
+// <labelled> the labels inline, then <note>string</note>? </labelled>
+class CLabelled : public CGenerated<CLabelled>
+{
+public:
+    CLabelled() { SetElementName("labelled"); Init(); }
+    void AccessProperty(int index, bool read, MxVariant &value) override;
+    void Init() override;
+    static void BuildTables(CTables &tables);
+    CSmartPtr<CLabels> labels;
+    MxVariant note;
+};
+
 // A choice of single alternatives; it may stay empty.
 class CPick : public CGenerated<CPick>
 {

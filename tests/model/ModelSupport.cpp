@@ -61,6 +61,9 @@ CSmartPtr<CXmlObjectBase> CModelFactory::MakeByNumber(int classId, char const *e
     case ClassId_Memo:
         made = new CMemo;
         break;
+    case ClassId_Labels:
+        made = new CLabels;
+        break;
     default:
         return nullptr;
     }
@@ -198,6 +201,8 @@ void UnloadModel()
     CSettings::CleanMetaData();
     CLayout::CleanMetaData();
     CBag::CleanMetaData();
+    CLabels::CleanMetaData();
+    CLabelled::CleanMetaData();
 }
 
 } // namespace MxTestModel

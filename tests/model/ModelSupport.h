@@ -37,6 +37,7 @@ enum ClassId
     ClassId_Contact = 3,
     ClassId_Price = 4,
     ClassId_Memo = 5,
+    ClassId_Labels = 6,
 };
 
 class CModelFactory : public MxXmlLib::CClassfactoryBase

@@ -1,6 +1,7 @@
 #include "binding/XmlObjectBase.h"
 #include "collections/XmlCollectionBase.h"
 #include "runtime/SmartPtr.h"
+#include "support/CountedObject.h"
 
 #include <gtest/gtest.h>
 
@@ -10,30 +11,7 @@ using namespace MxXmlLib;
 
 namespace
 {
-class CCounted : public CXmlObjectBase
-{
-public:
-    explicit CCounted(int *deaths) : m_deaths(deaths) {}
-    CXmlObjectBase *GetBase() override { return this; }
-    std::string GetNamespace() const override { return ""; }
-    long Count()
-    {
-        AddRef();
-        return Release();
-    }
-
-protected:
-    ~CCounted() override { ++*m_deaths; }
-    std::string GetTargetNamespace() const override { return ""; }
-    void ToXml_Int(CXmlWriter *, bool, char const *, CSerializationContext const &, bool) const override {}
-    CXmlElement *FromXml_Int(CXmlElement *, CXmlElement *cursor, CSerializationContext const &, bool) override
-    {
-        return cursor;
-    }
-
-private:
-    int *m_deaths;
-};
+using MxTestSupport::CCounted;
 
 class CTestCollection : public CXmlCollectionBase
 {

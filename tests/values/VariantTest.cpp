@@ -2,6 +2,7 @@
 #include "collections/XmlCollectionBase.h"
 #include "runtime/MxException.h"
 #include "values/Variant.h"
+#include "support/CountedObject.h"
 
 #include <gtest/gtest.h>
 
@@ -14,30 +15,7 @@ using Rule = CWhitespaceUtils::WhitespaceRule;
 namespace
 {
 
-class CCounted : public CXmlObjectBase
-{
-public:
-    explicit CCounted(int *deaths) : m_deaths(deaths) {}
-    CXmlObjectBase *GetBase() override { return this; }
-    std::string GetNamespace() const override { return ""; }
-    long Count()
-    {
-        AddRef();
-        return Release();
-    }
-
-protected:
-    ~CCounted() override { ++*m_deaths; }
-    std::string GetTargetNamespace() const override { return ""; }
-    void ToXml_Int(CXmlWriter *, bool, char const *, CSerializationContext const &, bool) const override {}
-    CXmlElement *FromXml_Int(CXmlElement *, CXmlElement *cursor, CSerializationContext const &, bool) override
-    {
-        return cursor;
-    }
-
-private:
-    int *m_deaths;
-};
+using MxTestSupport::CCounted;
 
 class CCountedCollection : public CXmlCollectionBase
 {

@@ -1,5 +1,7 @@
 #include "runtime/platform/Platform.h"
 
+#include "runtime/Utf8Codec.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -101,97 +103,6 @@ Charset CharsetOf(unsigned codePage, std::string &iconvName)
     return Charset::Iconv;
 }
 
-// Malformed input gives one U+FFFD for each maximal ill-formed subpart, the
-// usual practice of UTF-8 decoders.
-void DecodeUtf8(unsigned char const *p, std::size_t length, std::wstring &out)
-{
-    out.clear();
-    out.reserve(length);
-    std::size_t i = 0;
-    while (i < length)
-    {
-        unsigned c = p[i];
-        if (c < 0x80)
-        {
-            out.push_back(static_cast<wchar_t>(c));
-            ++i;
-            continue;
-        }
-        std::size_t need;
-        unsigned cp;
-        unsigned lo = 0x80, hi = 0xBF; // allowed range of the second byte
-        if (c >= 0xC2 && c <= 0xDF)
-            need = 1, cp = c & 0x1F;
-        else if (c >= 0xE0 && c <= 0xEF)
-        {
-            need = 2, cp = c & 0x0F;
-            lo = c == 0xE0 ? 0xA0 : 0x80;
-            hi = c == 0xED ? 0x9F : 0xBF;
-        }
-        else if (c >= 0xF0 && c <= 0xF4)
-        {
-            need = 3, cp = c & 0x07;
-            lo = c == 0xF0 ? 0x90 : 0x80;
-            hi = c == 0xF4 ? 0x8F : 0xBF;
-        }
-        else
-        {
-            out.push_back(kReplacement);
-            ++i;
-            continue;
-        }
-        std::size_t j = 1;
-        for (; j <= need && i + j < length; ++j)
-        {
-            unsigned cc = p[i + j];
-            bool const ok = j == 1 ? (cc >= lo && cc <= hi) : (cc & 0xC0) == 0x80;
-            if (!ok)
-                break;
-            cp = (cp << 6) | (cc & 0x3F);
-        }
-        if (j <= need)
-        {
-            out.push_back(kReplacement);
-            i += j;
-            continue;
-        }
-        out.push_back(static_cast<wchar_t>(cp));
-        i += need + 1;
-    }
-}
-
-void EncodeUtf8(wchar_t const *text, std::size_t length, std::string &out)
-{
-    out.clear();
-    out.reserve(length);
-    for (std::size_t i = 0; i < length; ++i)
-    {
-        unsigned cp = static_cast<unsigned>(text[i]);
-        if (cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF))
-            cp = kReplacement;
-        if (cp < 0x80)
-            out.push_back(static_cast<char>(cp));
-        else if (cp < 0x800)
-        {
-            out.push_back(static_cast<char>(0xC0 | (cp >> 6)));
-            out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-        }
-        else if (cp < 0x10000)
-        {
-            out.push_back(static_cast<char>(0xE0 | (cp >> 12)));
-            out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
-            out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-        }
-        else
-        {
-            out.push_back(static_cast<char>(0xF0 | (cp >> 18)));
-            out.push_back(static_cast<char>(0x80 | ((cp >> 12) & 0x3F)));
-            out.push_back(static_cast<char>(0x80 | ((cp >> 6) & 0x3F)));
-            out.push_back(static_cast<char>(0x80 | (cp & 0x3F)));
-        }
-    }
-}
-
 struct IconvHolder
 {
     iconv_t cd;
@@ -246,7 +157,7 @@ bool DecodeToWide(unsigned codePage, char const *text, std::size_t length, std::
     switch (CharsetOf(codePage, iconvName))
     {
     case Charset::Utf8:
-        DecodeUtf8(p, length, out);
+        Utf8::DecodeToWide(p, length, out);
         return true;
     case Charset::Ascii:
     case Charset::Latin1:
@@ -282,7 +193,7 @@ bool EncodeFromWide(unsigned codePage, wchar_t const *text, std::size_t length, 
     switch (CharsetOf(codePage, iconvName))
     {
     case Charset::Utf8:
-        EncodeUtf8(text, length, out);
+        Utf8::EncodeFromWide(text, length, out);
         return true;
     case Charset::Ascii:
     case Charset::Latin1:

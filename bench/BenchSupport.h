@@ -1,0 +1,39 @@
+#pragma once
+
+// What the benchmarks share: the large purchase order that the binding, JSON
+// and Fast Infoset benchmarks read and write.
+
+#include <cstddef>
+#include <string>
+
+namespace MxBench
+{
+
+// A purchase order of the example schema, one item after another until the
+// text reaches `targetBytes`; every third item has a comment, and the items
+// alternate between a ship date and a pickup.
+inline std::string MakePurchaseOrder(std::size_t targetBytes)
+{
+    std::string xml = "<?xml version=\"1.0\"?>\n"
+                      "<po:purchaseOrder xmlns:po=\"urn:example:po\" orderDate=\"2026-11-22\" status=\"open\">\n"
+                      "\t<po:shipTo country=\"US\">\n\t\t<po:name>Alice Smith</po:name>\n"
+                      "\t\t<po:street>123 Maple Street</po:street>\n\t\t<po:city>Mill Valley</po:city>\n"
+                      "\t\t<po:state>CA</po:state>\n\t\t<po:zip>90952</po:zip>\n\t</po:shipTo>\n"
+                      "\t<po:comment>Generated &amp; large</po:comment>\n\t<po:items>\n";
+    for (unsigned n = 0; xml.size() < targetBytes; ++n)
+    {
+        std::string const id = std::to_string(n);
+        xml += "\t\t<po:item partNum=\"" + std::to_string(100 + n % 900) + "-AA\">\n"
+               "\t\t\t<po:productName>Lawnmower &amp; catcher " + id + "</po:productName>\n"
+               "\t\t\t<po:quantity>" + std::to_string(1 + n % 99) + "</po:quantity>\n"
+               "\t\t\t<po:USPrice>148.95</po:USPrice>\n";
+        if (n % 3 == 0)
+            xml += "\t\t\t<po:comment>Confirm this is electric</po:comment>\n";
+        xml += n % 2 ? "\t\t\t<po:shipDate>2026-12-01</po:shipDate>\n" : "\t\t\t<po:pickup>Store 12</po:pickup>\n";
+        xml += "\t\t</po:item>\n";
+    }
+    xml += "\t</po:items>\n</po:purchaseOrder>\n";
+    return xml;
+}
+
+} // namespace MxBench
