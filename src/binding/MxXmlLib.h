@@ -54,6 +54,7 @@
 #include "collections/AttributeCol.h"
 #include "collections/Element.h"
 #include "collections/ElementCol.h"
+#include "collections/GeneratedCollections.h"
 #include "collections/PrimitiveCollections.h"
 #include "collections/XmlCollection.h"
 #include "collections/XmlCollectionBase.h"
