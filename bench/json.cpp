@@ -1,7 +1,7 @@
 // JSON output and input of the purchase-order model of examples/, from a
 // generated document of about 10 MB: MB/s of ToJson and FromJson, and their
 // ratios to ToXml and FromXml of the same objects in the same run; then the
-// strict mode against the specified one (ToJson, goal at least 0.8 of its
+// strict mode against the default one (ToJson, goal at least 0.8 of its
 // speed) and against FromXml (FromJson, goal at least 0.8 of its speed). The
 // JSON of both modes read back must give the same XML as the original, or
 // the run fails.
@@ -122,7 +122,7 @@ int main(int argc, char **argv)
                     fromJson / fromXml);
         std::printf("(JSON / XML: time of the JSON call over the XML call on the same objects)\n");
         std::printf("strict JSON %.1f MB\n", static_cast<double>(strictJson.size()) / 1048576.0);
-        std::printf("%-16s %10.1f %10.1f   speed %.2f of specified ToJson (goal >= 0.80)\n", "ToJson strict",
+        std::printf("%-16s %10.1f %10.1f   speed %.2f of default ToJson (goal >= 0.80)\n", "ToJson strict",
                     MBps(strictJson.size(), toStrict), toStrict * 1e3, toJson / toStrict);
         std::printf("%-16s %10.1f %10.1f   speed %.2f of FromXml (goal >= 0.80)\n", "FromJson strict",
                     MBps(strictJson.size(), fromStrict), fromStrict * 1e3, fromXml / fromStrict);

@@ -382,7 +382,7 @@ TEST_F(StrictJson, MalformedOrUnexpectedJsonFailsWithTheJsonPath)
 }
 
 // Strict reading takes the root element name and the byte entries as the
-// specified reading does; null is a nil element.
+// default reading does; null is a nil element.
 TEST_F(StrictJson, RootNameNullAndByteInput)
 {
     CSerializationContext context = StrictContext(RoundTripFull);
