@@ -3,7 +3,7 @@
 // RapidJSON writing the same JSON (its Writer over a DOM of our output, so
 // that the content is the same to the byte but for the layout) and parsing it
 // (its Reader, SAX, no DOM), and against ToXml and FromXml of the same
-// objects, all in the same run; then the strict mode against the specified one
+// objects, all in the same run; then the strict mode against the default one
 // (ToJson, goal at least 0.8 of its speed) and against FromXml (FromJson,
 // goal at least 0.8 of its speed). The JSON of both modes read back must
 // give the same XML as the original, or the run fails.
@@ -142,7 +142,7 @@ int main(int argc, char **argv)
         std::printf("FromJson / FromXml: %.2f (throughput on the same content, XML bytes; goal >= 0.6)\n",
                     fromXml / fromJson);
         std::printf("strict JSON %.1f MB\n", static_cast<double>(strictJson.size()) / 1048576.0);
-        std::printf("%-16s %10.1f %10.1f   speed %.2f of specified ToJson (goal >= 0.80)\n", "ToJson strict",
+        std::printf("%-16s %10.1f %10.1f   speed %.2f of default ToJson (goal >= 0.80)\n", "ToJson strict",
                     MBps(strictJson.size(), toStrict), toStrict * 1e3, toJson / toStrict);
         std::printf("%-16s %10.1f %10.1f   speed %.2f of FromXml (goal >= 0.80)\n", "FromJson strict",
                     MBps(strictJson.size(), fromStrict), fromStrict * 1e3, fromXml / fromStrict);

@@ -16,6 +16,7 @@ namespace MxXmlLib
 // Text is copied with few escapes (quotation marks and backslashes stand as
 // they are), and elements without content leave their key without a value:
 // the output is valid JSON only for documents that avoid these cases.
+// CJsonStrictWriter, chosen by CJsonContext::SetStrict, writes valid JSON always.
 class CJsonTextWriter : public CXmlWriter
 {
 public:

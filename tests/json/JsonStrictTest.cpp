@@ -124,9 +124,9 @@ void ExpectPythonAccepts(std::vector<std::string> const &texts, std::vector<std:
 }
 
 // The strict text of `xml` read into `make()`, after checking that it reads
-// back to the same XML.
+// back to the same XML (or at least without an error).
 std::string StrictRoundTrip(CSmartPtr<CXmlObjectBase> (*make)(), std::string const &xml,
-                            CSerializationContext const &context, bool formatted)
+                            CSerializationContext const &context, bool formatted, bool readsBack = true)
 {
     CSmartPtr<CXmlObjectBase> original = make();
     ReadXml(*original, xml, context);
@@ -135,7 +135,8 @@ std::string StrictRoundTrip(CSmartPtr<CXmlObjectBase> (*make)(), std::string con
     CSmartPtr<CXmlObjectBase> again = make();
     std::string const error = ErrorOf([&] { again->FromJson(json.c_str(), context); });
     EXPECT_EQ("no error", error) << json;
-    EXPECT_EQ(expectedXml, again->ToXml(false, false, LF, context)) << json;
+    if (readsBack)
+        EXPECT_EQ(expectedXml, again->ToXml(false, false, LF, context)) << json;
     return json;
 }
 
@@ -146,6 +147,8 @@ struct Shape
     JsonRoundTrip mode;
     char const *xml;
     char const *expected; // unformatted
+    // Below RoundTripFull the untyped tree loses its namespaces.
+    bool readsBack = true;
 };
 
 #define ORDER_START "<order xmlns=\"urn:m\" id=\"7\"><number>3</number><priority>high</priority>" \
@@ -155,23 +158,42 @@ struct Shape
 Shape const kShapes[] = {
     {"repeated class, then a sibling after the collection", &New<COrder>, RoundTripFull,
      ORDER_START "<line><name>a</name></line><line ref=\"2\"><name>b</name></line><tag>x</tag></order>",
-     "{\"m:order\":{\"@xmlns:xsi\":\"http://www.w3.org/2001/XMLSchema-instance\",\"@xmlns:m\":\"urn:m\",\"@id\":7,\"m:number\":3,\"m:priority\":\"high\",\"m:customer\":{\"m:name\":\"Ann\"},\"m:payment\":{\"@xsi:type\":\"m:card\",\"m:number\":\"1\"},\"m:line\":[{\"m:name\":\"a\"},{\"@ref\":2,\"m:name\":\"b\"}],\"m:tag\":[\"x\"]}}"},
+     "{\"m:order\":{\"@xmlns:xsi\":\"http://www.w3.org/2001/XMLSchema-instance\","
+     "\"@xmlns:m\":\"urn:m\",\"@id\":7,\"m:number\":3,\"m:priority\":\"high\","
+     "\"m:customer\":{\"m:name\":\"Ann\"},\"m:payment\":{\"@xsi:type\":\"m:card\","
+     "\"m:number\":\"1\"},\"m:line\":[{\"m:name\":\"a\"},{\"@ref\":2,\"m:name\":\"b\"}],"
+     "\"m:tag\":[\"x\"]}}"},
     {"repeated primitive, numbers unquoted", &New<COrder>, RoundTripFull,
      ORDER_START "<code>-5</code><code>17</code></order>",
-     "{\"m:order\":{\"@xmlns:xsi\":\"http://www.w3.org/2001/XMLSchema-instance\",\"@xmlns:m\":\"urn:m\",\"@id\":7,\"m:number\":3,\"m:priority\":\"high\",\"m:customer\":{\"m:name\":\"Ann\"},\"m:payment\":{\"@xsi:type\":\"m:card\",\"m:number\":\"1\"},\"m:code\":[-5,17]}}"},
+     "{\"m:order\":{\"@xmlns:xsi\":\"http://www.w3.org/2001/XMLSchema-instance\","
+     "\"@xmlns:m\":\"urn:m\",\"@id\":7,\"m:number\":3,\"m:priority\":\"high\","
+     "\"m:customer\":{\"m:name\":\"Ann\"},\"m:payment\":{\"@xsi:type\":\"m:card\","
+     "\"m:number\":\"1\"},\"m:code\":[-5,17]}}"},
     {"repeated primitive strings and enumerations side by side", &New<COrder>, RoundTripFull,
      ORDER_START "<tag>a</tag><tag>b</tag><flag>low</flag><flag>high</flag><code>1</code></order>",
-     "{\"m:order\":{\"@xmlns:xsi\":\"http://www.w3.org/2001/XMLSchema-instance\",\"@xmlns:m\":\"urn:m\",\"@id\":7,\"m:number\":3,\"m:priority\":\"high\",\"m:customer\":{\"m:name\":\"Ann\"},\"m:payment\":{\"@xsi:type\":\"m:card\",\"m:number\":\"1\"},\"m:tag\":[\"a\",\"b\"],\"m:flag\":[\"low\",\"high\"],\"m:code\":[1]}}"},
+     "{\"m:order\":{\"@xmlns:xsi\":\"http://www.w3.org/2001/XMLSchema-instance\","
+     "\"@xmlns:m\":\"urn:m\",\"@id\":7,\"m:number\":3,\"m:priority\":\"high\","
+     "\"m:customer\":{\"m:name\":\"Ann\"},\"m:payment\":{\"@xsi:type\":\"m:card\","
+     "\"m:number\":\"1\"},\"m:tag\":[\"a\",\"b\"],\"m:flag\":[\"low\",\"high\"],"
+     "\"m:code\":[1]}}"},
     {"repeated choice of untyped content keeps its order", &New<CPacket>, RoundTripFull,
      "<packet xmlns=\"urn:m\" units=\"cm\"><width>1</width><height>2</height><x:f xmlns:x=\"urn:x\">1</x:f>"
      "<a>1</a><b>2</b><a>3</a></packet>",
-     "{\"m:packet\":{\"@xmlns:xsi\":\"http://www.w3.org/2001/XMLSchema-instance\",\"@xmlns:m\":\"urn:m\",\"@units\":\"cm\",\"m:width\":1,\"m:height\":2,\"AA:f\":{\"@xmlns:AA\":\"urn:x\",\"#text\":\"1\"},\"m:a\":[\"1\"],\"#seq\":[{\"m:b\":\"2\"},{\"m:a\":\"3\"}]}}"},
+     "{\"m:packet\":{\"@xmlns:xsi\":\"http://www.w3.org/2001/XMLSchema-instance\","
+     "\"@xmlns:m\":\"urn:m\",\"@units\":\"cm\",\"m:width\":1,\"m:height\":2,\"AA:f\":{\"@xmlns:AA\":\"urn:x\","
+     "\"#text\":\"1\"},\"m:a\":[\"1\"],\"#seq\":[{\"m:b\":\"2\"},{\"m:a\":\"3\"}]}}"},
     {"empty element", &New<CPick>, RoundTripAttributes, "<pick xmlns=\"urn:m\"/>",
      "{\"pick\":\"\"}"},
     {"nil element keeps xsi:nil", &New<CPacket>, RoundTripFull,
      "<packet xmlns=\"urn:m\" xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"><width>1</width>"
      "<height>2</height><memo xsi:nil=\"true\"/><x:f xmlns:x=\"urn:x\"/></packet>",
-     "{\"m:packet\":{\"@xmlns:xsi\":\"http://www.w3.org/2001/XMLSchema-instance\",\"@xmlns:m\":\"urn:m\",\"m:width\":1,\"m:height\":2,\"m:memo\":{\"@xsi:nil\":true},\"AA:f\":{\"@xmlns:AA\":\"urn:x\"}}}"},
+     "{\"m:packet\":{\"@xmlns:xsi\":\"http://www.w3.org/2001/XMLSchema-instance\","
+     "\"@xmlns:m\":\"urn:m\",\"m:width\":1,\"m:height\":2,\"m:memo\":{\"@xsi:nil\":true},"
+     "\"AA:f\":{\"@xmlns:AA\":\"urn:x\"}}}"},
+    {"nil element below RoundTripFull is null", &New<CPacket>, RoundTripAttributes,
+     "<packet xmlns=\"urn:m\" xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"><width>1</width>"
+     "<height>2</height><memo xsi:nil=\"true\"/><x:f xmlns:x=\"urn:x\"/></packet>",
+     "{\"packet\":{\"width\":1,\"height\":2,\"memo\":null,\"f\":\"\"}}", false},
     {"attributes only", &NewElement, RoundTripAttributes, "<a x=\"1\" y=\"two\"/>",
      "{\"a\":{\"@x\":\"1\",\"@y\":\"two\"}}"},
     {"text with attributes", &New<CPrice>, RoundTripAttributes, "<price xmlns=\"urn:m\" currency=\"USD\">12</price>",
@@ -183,10 +205,12 @@ Shape const kShapes[] = {
      "{\"r\":{\"a\":[\"1\",\"2\"],\"b\":\"\",\"#seq\":[{\"a\":\"3\"}]}}"},
     {"namespaces at RoundTripFull", &NewElement, RoundTripFull,
      "<r xmlns=\"urn:r\" xmlns:p=\"urn:p\" p:at=\"1\"><p:c/><d xmlns=\"urn:d\"><e/></d></r>",
-     "{\"AA:r\":{\"@xmlns:AA\":\"urn:r\",\"@xmlns:AB\":\"urn:p\",\"@AB:at\":\"1\",\"AB:c\":\"\",\"AC:d\":{\"@xmlns:AC\":\"urn:d\",\"AC:e\":\"\"}}}"},
+     "{\"AA:r\":{\"@xmlns:AA\":\"urn:r\",\"@xmlns:AB\":\"urn:p\",\"@AB:at\":\"1\","
+     "\"AB:c\":\"\",\"AC:d\":{\"@xmlns:AC\":\"urn:d\",\"AC:e\":\"\"}}}"},
     {"escapes", &NewElement, RoundTripAttributes,
      "<e q='say \"hi\"&#9;\\'>back\\slash &quot;quoted&quot; &amp; tab&#9;line&#10;end &#x1F600;</e>",
-     "{\"e\":{\"@q\":\"say \\\"hi\\\"\\t\\\\\",\"#text\":\"back\\\\slash \\\"quoted\\\" & tab\\tline\\nend \xF0\x9F\x98\x80\"}}"},
+     "{\"e\":{\"@q\":\"say \\\"hi\\\"\\t\\\\\","
+     "\"#text\":\"back\\\\slash \\\"quoted\\\" & tab\\tline\\nend \xF0\x9F\x98\x80\"}}"},
 };
 
 TEST_F(StrictJson, EveryShapeHasOneTextThatPythonAcceptsAndThatReadsBack)
@@ -200,7 +224,8 @@ TEST_F(StrictJson, EveryShapeHasOneTextThatPythonAcceptsAndThatReadsBack)
             context.GetNamespaceAliases().Add("xsi", kXsi);
             context.GetNamespaceAliases().Add("m", "urn:m");
             std::string json;
-            std::string const error = ErrorOf([&] { json = StrictRoundTrip(shape.make, shape.xml, context, formatted); });
+            std::string const error = ErrorOf(
+                [&] { json = StrictRoundTrip(shape.make, shape.xml, context, formatted, shape.readsBack); });
             EXPECT_EQ("no error", error);
             if (!formatted)
                 EXPECT_EQ(shape.expected, json);
@@ -297,17 +322,21 @@ Malformed const kMalformed[] = {
     {"// note\n{\"a\":1}",
      "validation: Strict JSON: expected '{' to open the document at line 1, position 0.\nPath: $"},
     {"{\"a\":[1,2]}",
-     "validation: Strict JSON: an array holds the repeats of a key and cannot be an element's value at line 1, position 5.\nPath: $.a"},
+     "validation: Strict JSON: an array holds the repeats of a key and cannot be an element's value at line 1,"
+     " position 5.\nPath: $.a"},
     {"{\"a\":{\"b\":[]}}",
      "validation: Strict JSON: an array of repeats cannot be empty at line 1, position 11.\nPath: $.a.b"},
     {"{\"a\":{\"b\":[1,[2]]}}",
-     "validation: Strict JSON: an array holds the repeats of a key and cannot be an element's value at line 1, position 13.\nPath: $.a.b[1]"},
+     "validation: Strict JSON: an array holds the repeats of a key and cannot be an element's value at line 1,"
+     " position 13.\nPath: $.a.b[1]"},
     {"{\"a\":{\"b\":1,\"@c\":2}}",
-     "validation: Strict JSON: an attribute follows the content of its element at line 1, position 17.\nPath: $.a.@c"},
+     "validation: Strict JSON: an attribute follows the content of its element at line 1,"
+     " position 17.\nPath: $.a.@c"},
     {"{\"a\":{\"@c\":null}}",
      "validation: Strict JSON: an attribute takes a string, number or boolean at line 1, position 11.\nPath: $.a.@c"},
     {"{\"a\":{\"#seq\":[{\"b\":1,\"c\":2}]}}",
-     "validation: Strict JSON: an entry of \"#seq\" is an object with one key at line 1, position 20.\nPath: $.a.#seq[0]"},
+     "validation: Strict JSON: an entry of \"#seq\" is an object with one key at line 1,"
+     " position 20.\nPath: $.a.#seq[0]"},
     {"{\"a\":{\"#seq\":{\"b\":1}}}",
      "validation: Strict JSON: \"#seq\" takes an array at line 1, position 13.\nPath: $.a.#seq"},
     {"{\"a\":{\"#other\":1}}",
@@ -317,7 +346,8 @@ Malformed const kMalformed[] = {
     {"{\"a\":{\"p:q:r\":1}}",
      "validation: Strict JSON: the key is no XML name at line 1, position 14.\nPath: $.a.p:q:r"},
     {"{\"a\":\"\\u0001\"}",
-     "validation: Strict JSON: the text holds a control character that XML cannot carry at line 1, position 13.\nPath: $.a"},
+     "validation: Strict JSON: the text holds a control character that XML cannot carry at line 1,"
+     " position 13.\nPath: $.a"},
     {"{\"a\":\"\\ud800x\"}",
      "validation: Strict JSON: a high surrogate without a low one at line 1, position 12.\nPath: $.a"},
     {"{\"a\":\"\\x\"}",
@@ -352,7 +382,7 @@ TEST_F(StrictJson, MalformedOrUnexpectedJsonFailsWithTheJsonPath)
 }
 
 // Strict reading takes the root element name and the byte entries as the
-// specified reading does; null is a nil element.
+// default reading does; null is a nil element.
 TEST_F(StrictJson, RootNameNullAndByteInput)
 {
     CSerializationContext context = StrictContext(RoundTripFull);
@@ -393,7 +423,8 @@ struct ValueCase
 
 ValueCase const kValues[] = {
     {"12.50", ItemType_decimal, "12.50"},     {"-0", ItemType_i4, "-0"},
-    {"1.5E+10", ItemType_r8, "1.5E+10"},      {"123456789012345678901234567890", ItemType_integer, "123456789012345678901234567890"},
+    {"1.5E+10", ItemType_r8, "1.5E+10"},
+    {"123456789012345678901234567890", ItemType_integer, "123456789012345678901234567890"},
     {"true", ItemType_boolean, "true"},       {"1", ItemType_boolean, "\"1\""},
     {"INF", ItemType_r8, "\"INF\""},          {"-INF", ItemType_r4, "\"-INF\""},
     {"NaN", ItemType_r8, "\"NaN\""},          {"007", ItemType_i4, "\"007\""},
