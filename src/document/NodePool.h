@@ -90,7 +90,10 @@ private:
     void NewBlock(std::size_t size)
     {
         std::size_t const bytes = size > kBlockSize ? size : kBlockSize;
-        m_blocks.emplace_back(new std::max_align_t[(bytes + sizeof(std::max_align_t) - 1) / sizeof(std::max_align_t)]);
+        // Owned before the list can grow, so that a failure there frees it.
+        std::unique_ptr<std::max_align_t[]> block(
+            new std::max_align_t[(bytes + sizeof(std::max_align_t) - 1) / sizeof(std::max_align_t)]);
+        m_blocks.push_back(std::move(block));
         m_cursor = reinterpret_cast<char *>(m_blocks.back().get());
         m_left = bytes;
     }

@@ -113,23 +113,24 @@ CXmlElement::CXmlElement(CXmlDocument *document, CXmlElement *parent)
 
 CXmlElement::~CXmlElement()
 {
-    // Without recursion: a document may nest deeper than the stack allows.
-    // Each element's children are unlinked before it is deleted, so no
-    // destructor below this one has children left to walk.
-    if (m_firstChild)
+    // Without recursion, since a document may nest deeper than the stack
+    // allows, and without allocating, since a destructor must not fail: the
+    // walk follows the parent links. Each element is unlinked from its
+    // children before it is left for them, so it is a leaf when the walk
+    // comes back up to it, and its own destructor has no children to walk.
+    CXmlElement *e = m_firstChild;
+    m_firstChild = m_lastChild = nullptr;
+    while (e != nullptr && e != this)
     {
-        std::vector<CXmlElement *> pending;
-        for (CXmlElement *child = m_firstChild; child; child = child->m_nextSibling)
-            pending.push_back(child);
-        while (!pending.empty())
+        if (CXmlElement *child = e->m_firstChild)
         {
-            CXmlElement *e = pending.back();
-            pending.pop_back();
-            for (CXmlElement *child = e->m_firstChild; child; child = child->m_nextSibling)
-                pending.push_back(child);
             e->m_firstChild = e->m_lastChild = nullptr;
-            m_document->DestroyElement(e);
+            e = child;
+            continue;
         }
+        CXmlElement *const next = e->m_nextSibling ? e->m_nextSibling : e->m_parent;
+        m_document->DestroyElement(e);
+        e = next;
     }
     if (m_attributes)
         for (CXmlAttribute *attribute : *m_attributes)
@@ -318,6 +319,9 @@ CXmlAttribute *CXmlDocument::NewAttribute(CXmlElement const *element, std::strin
 
 void CXmlDocument::DestroyAttribute(CXmlAttribute *attribute)
 {
+    // An element's list holds null for an attribute whose allocation failed.
+    if (attribute == nullptr)
+        return;
     attribute->~CXmlAttribute();
     m_pool->Free(attribute, sizeof(CXmlAttribute));
 }

@@ -1,6 +1,7 @@
 #include "runtime/StringBuffer.h"
 
 #include <cstring>
+#include <memory>
 
 namespace MxXmlLib
 {
@@ -21,10 +22,19 @@ CStringBuffer::~CStringBuffer() { FreeChunks(); }
 
 void CStringBuffer::NewChunk()
 {
-    char *chunk = new char[static_cast<std::size_t>(m_chunkSize) + 1](); // zero-filled
-    m_chunks.push_back(chunk);
+    std::unique_ptr<char[]> chunk(new char[static_cast<std::size_t>(m_chunkSize) + 1]()); // zero-filled
+    // Either list may fail to grow: the chunk is handed over only when both have.
     m_chunkSizes.push_back(m_chunkSize);
-    m_current = chunk;
+    try
+    {
+        m_chunks.push_back(chunk.get());
+    }
+    catch (...)
+    {
+        m_chunkSizes.pop_back();
+        throw;
+    }
+    m_current = chunk.release();
     m_capacity = m_chunkSize;
     m_used = 0;
 }
@@ -38,7 +48,8 @@ void CStringBuffer::Append(char const *text)
 
 void CStringBuffer::AppendSlow(char const *text, std::size_t remaining)
 {
-    m_length += static_cast<std::uint32_t>(remaining);
+    // The length grows with each piece copied, so that it stays true if a
+    // new chunk cannot be had.
     while (remaining > 0)
     {
         if (m_capacity == m_used)
@@ -51,6 +62,7 @@ void CStringBuffer::AppendSlow(char const *text, std::size_t remaining)
             n = remaining;
         std::memcpy(m_current + m_used, text, n);
         m_used += static_cast<std::uint32_t>(n); // <= m_capacity
+        m_length += static_cast<std::uint32_t>(n);
         text += n;
         remaining -= n;
     }

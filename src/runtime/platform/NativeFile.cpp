@@ -71,22 +71,25 @@ bool NativeFile::CreateForReplace(char const *path)
 
 // A new file in the target's folder, named after the target, created only if
 // no such file exists; permissions as for a new target (0666 less the umask).
+// Names are built before the file exists and handed over without allocating,
+// so that no failure leaves a file that nobody removes.
 bool NativeFile::OpenBeside(std::string const &target)
 {
     std::size_t const slash = target.rfind('/');
     std::string const folder = slash == std::string::npos ? std::string() : target.substr(0, slash + 1);
     std::string const base = slash == std::string::npos ? target : target.substr(slash + 1);
+    std::string targetPath = target;
     for (unsigned attempt = 0; attempt < 100; ++attempt)
     {
         char suffix[48];
         std::snprintf(suffix, sizeof suffix, ".%lx-%lx-%u.tmp", static_cast<unsigned long>(::getpid()),
                       static_cast<unsigned long>(reinterpret_cast<std::uintptr_t>(this)), attempt);
-        std::string const temporary = folder + "." + base + suffix;
+        std::string temporary = folder + "." + base + suffix;
         m_fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         if (m_fd >= 0)
         {
-            m_temporaryPath = temporary;
-            m_targetPath = target;
+            m_temporaryPath.swap(temporary);
+            m_targetPath.swap(targetPath);
             return true;
         }
         if (errno != EEXIST)
