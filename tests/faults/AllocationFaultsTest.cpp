@@ -228,6 +228,38 @@ TEST(AllocationFaults, EveryAllocationOfAWholeReadAndWriteInEachFormat)
              return MxTestSupport::ReadFileBytes(outFile);
          },
          false, model},
+        {"read chunks",
+         [&](CSmartPtr<COrder> &o) {
+             AsyncFromXmlFile(true);
+             try
+             {
+                 o->FromXmlFile(xmlFile.c_str());
+             }
+             catch (...)
+             {
+                 AsyncFromXmlFile(false);
+                 throw;
+             }
+             AsyncFromXmlFile(false);
+             return std::string();
+         },
+         true, model},
+        {"write direct",
+         [&](CSmartPtr<COrder> &o) {
+             AsyncToXmlFile(true);
+             try
+             {
+                 o->ToXmlFile(outFile.c_str());
+             }
+             catch (...)
+             {
+                 AsyncToXmlFile(false);
+                 throw;
+             }
+             AsyncToXmlFile(false);
+             return MxTestSupport::ReadFileBytes(outFile);
+         },
+         false, model},
         {"read XML", [&](CSmartPtr<COrder> &o) { o->FromXml(xml.c_str()); return std::string(); }, true, model},
         {"read JSON", [&](CSmartPtr<COrder> &o) { o->FromJson(json.c_str(), jsonContext); return std::string(); }, true, model},
         {"read FI",
