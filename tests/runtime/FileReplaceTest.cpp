@@ -132,6 +132,14 @@ TEST(FileReplace, LinksAndFoldersThatTakeNoNewFile)
     EXPECT_TRUE(fs::is_symlink(link));
     EXPECT_EQ("<via-link/>", ReadFileBytes(file));
 
+    // A link to no file yet creates that file, as opening through it would.
+    std::string const dangling = dir.Path("dangling.xml");
+    std::string const named = dir.Path("named.xml");
+    ASSERT_EQ(0, ::symlink(named.c_str(), dangling.c_str()));
+    EXPECT_EQ("no error", Write(dangling, "<created/>"));
+    EXPECT_TRUE(fs::is_symlink(dangling));
+    EXPECT_EQ("<created/>", ReadFileBytes(named));
+
     // Two hard links keep sharing one file: it is written in place.
     std::string const second = dir.Path("second.xml");
     ASSERT_EQ(0, ::link(file.c_str(), second.c_str()));

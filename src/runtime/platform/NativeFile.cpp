@@ -48,9 +48,15 @@ bool NativeFile::CreateForReplace(char const *path)
 {
     Close();
     std::string target = path ? path : "";
+    if (target.empty() || target.back() == '/')
+        return CreateForWrite(path); // fails as it always did
     struct stat st{};
     bool const exists = ::stat(target.c_str(), &st) == 0;
     if (exists && (!S_ISREG(st.st_mode) || st.st_nlink > 1))
+        return CreateForWrite(path);
+    // A link that names no file yet: opening through it creates that file.
+    struct stat link{};
+    if (!exists && ::lstat(target.c_str(), &link) == 0)
         return CreateForWrite(path);
     if (exists)
     {
