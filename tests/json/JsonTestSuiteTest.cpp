@@ -6,6 +6,7 @@
 // accepts because of them are listed below by departure, and docs/corpora.md
 // holds the table.
 
+#include "collections/Element.h"
 #include "json/JsonHandlers.h"
 #include "json/JsonTextReader.h"
 #include "runtime/MxException.h"
@@ -135,5 +136,31 @@ TEST(JsonTestSuite, YesReadNoRefusedWithOurMessagesBarTheListedDepartures)
         EXPECT_TRUE(names.count(row.first)) << row.first << " is not in the suite";
     std::printf("JSONTestSuite: y %d read; n %d, of which %d accepted by design; i %d accepted, %d refused\n", y, n,
                 nAccepted, iAccepted, iRefused);
+}
+
+// The whole way in, JSON to XML text to an untyped element, for every file:
+// a filled element or a CMxException, never a crash or a hang.
+TEST(JsonTestSuite, EveryFileReadsIntoAnUntypedElementOrFailsCleanly)
+{
+    Register(16, 1);
+    int read = 0, refused = 0;
+    for (auto const &entry : std::filesystem::directory_iterator(kSuiteDir))
+    {
+        SCOPED_TRACE(entry.path().filename().string());
+        std::string bytes = MxTestSupport::ReadFileBytes(entry.path().string());
+        CSmartPtr<CElement> element(new CElement("unread"));
+        try
+        {
+            element->FromJsonStream(reinterpret_cast<unsigned char *>(bytes.data()),
+                                    static_cast<unsigned long>(bytes.size()));
+            ++read;
+        }
+        catch (CMxException const &)
+        {
+            ++refused;
+        }
+    }
+    EXPECT_EQ(318, read + refused);
+    std::printf("JSONTestSuite into CElement: %d read, %d refused\n", read, refused);
 }
 } // namespace
