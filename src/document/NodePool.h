@@ -95,8 +95,10 @@ private:
         // block, a large one few allocator calls.
         std::size_t const step = m_blocks.size() < 6 ? kBlockSize << m_blocks.size() : kMaxBlockSize;
         std::size_t const bytes = size > step ? size : step;
-        m_blocks.emplace_back(new std::max_align_t[(bytes + sizeof(std::max_align_t) - 1) / sizeof(std::max_align_t)],
-                              bytes);
+        // Owned before the list can grow, so that a failure there frees it.
+        std::unique_ptr<std::max_align_t[]> block(
+            new std::max_align_t[(bytes + sizeof(std::max_align_t) - 1) / sizeof(std::max_align_t)]);
+        m_blocks.emplace_back(std::move(block), bytes);
         m_cursor = reinterpret_cast<char *>(m_blocks.back().first.get());
         m_left = bytes;
     }

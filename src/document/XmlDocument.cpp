@@ -103,24 +103,24 @@ CXmlElement::CXmlElement(CXmlDocument *document, CXmlElement *parent)
 
 CXmlElement::~CXmlElement()
 {
-    // Without recursion and without a work list: a document may nest deeper
-    // than the stack allows, and the parent links already lead back up. The
-    // walk goes down to a node without children, destroys it, and goes on
-    // with its next sibling or, after the last one, with its parent, which has
-    // no children left by then.
+    // Without recursion, since a document may nest deeper than the stack
+    // allows, and without allocating, since a destructor must not fail: the
+    // walk follows the parent links. Each element is unlinked from its
+    // children before it is left for them, so it is a leaf when the walk
+    // comes back up to it, and its own destructor has no children to walk.
     CXmlElement *e = m_firstChild;
-    while (e)
+    m_firstChild = m_lastChild = nullptr;
+    while (e != nullptr && e != this)
     {
-        if (e->m_firstChild)
+        if (CXmlElement *child = e->m_firstChild)
         {
-            e = e->m_firstChild;
+            e->m_firstChild = e->m_lastChild = nullptr;
+            e = child;
             continue;
         }
-        CXmlElement *const next = e->m_nextSibling;
-        CXmlElement *const parent = e->m_parent;
-        parent->m_firstChild = next;
+        CXmlElement *const next = e->m_nextSibling ? e->m_nextSibling : e->m_parent;
         m_document->DestroyElement(e);
-        e = next ? next : (parent == this ? nullptr : parent);
+        e = next;
     }
     m_lastChild = nullptr;
     if (m_attributes)
@@ -293,6 +293,9 @@ CXmlAttribute *CXmlDocument::NewAttribute(CXmlElement const *element, std::strin
 
 void CXmlDocument::DestroyAttribute(CXmlAttribute *attribute)
 {
+    // An element's list holds null for an attribute whose allocation failed.
+    if (attribute == nullptr)
+        return;
     attribute->~CXmlAttribute();
     m_pool->Free(attribute, sizeof(CXmlAttribute));
 }

@@ -6,6 +6,8 @@
 #include "runtime/MxException.h"
 #include "runtime/TextStream.h"
 
+#include <memory>
+
 namespace MxXmlLib
 {
 
@@ -325,9 +327,13 @@ CBinaryData ConvertJsonToXml(std::string const &json, CSerializationContext cons
     writer.SetFormatted(true);
 
     CJsonContext const &options = context.GetJsonContext();
-    auto *toXml = new CJsonReaderToXmlHandler(&writer, options.GetSupportRoundtrip(), nullptr);
-    auto *pathKeeper = new CJsonReaderDefaultHandler(toXml);
-    // The reader owns the default handler, which owns the XML handler.
+    // The reader owns the default handler, which owns the XML handler; each
+    // is held here until its owner exists, so that a failed allocation frees it.
+    std::unique_ptr<CJsonReaderToXmlHandler> xmlHandler(
+        new CJsonReaderToXmlHandler(&writer, options.GetSupportRoundtrip(), nullptr));
+    std::unique_ptr<CJsonReaderDefaultHandler> defaultHandler(new CJsonReaderDefaultHandler(xmlHandler.get()));
+    CJsonReaderToXmlHandler *const toXml = xmlHandler.release();
+    CJsonReaderDefaultHandler *const pathKeeper = defaultHandler.release();
     CJsonTextReader reader(&json, pathKeeper, 100);
     toXml->SetErrorPath(pathKeeper);
     reader.SetAllowComments(options.GetAllowComments());

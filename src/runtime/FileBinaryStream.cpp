@@ -25,11 +25,15 @@ CFileBinaryStream::CFileBinaryStream(char const *fileName, int encoding, CBinary
 void CFileBinaryStream::WriteFile()
 {
     Platform::NativeFile file; // closed on every way out
-    bool ok = file.CreateForWrite(m_fileName.c_str());
+    // A regular file is written beside its target and renamed over it, so
+    // that a failure (a full disk, say) leaves the earlier file intact.
+    bool ok = file.CreateForReplace(m_fileName.c_str());
     if (ok && (m_encoding == 2 || m_encoding == 3))
         ok = file.Write(kUtf16Bom, sizeof kUtf16Bom);
     if (ok)
         ok = file.Write(m_data.GetData(), m_data.GetLength());
+    if (ok)
+        ok = file.Commit();
     if (!ok)
         throw CMxException(FormatString("Failed to write data to the file [%s] error [0x%08X]", m_fileName.c_str(),
                                         static_cast<unsigned>(file.LastError())));

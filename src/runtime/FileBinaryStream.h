@@ -16,8 +16,10 @@ public:
     CFileBinaryStream(char const *fileName, int encoding);
     CFileBinaryStream(char const *fileName, int encoding, CBinaryData const &data);
 
-    // Creates or replaces the file and writes it. Every failure closes the
-    // file and raises CMxException
+    // Creates or replaces the file and writes it. A regular file is replaced
+    // only once all bytes are written, so a failure leaves the earlier file
+    // as it was; a pipe or a device is written in place. Every failure closes
+    // the file and raises CMxException
     // "Failed to write data to the file [%s] error [0x%08X]".
     void WriteFile();
 

@@ -1,6 +1,7 @@
 #include "runtime/StringBuffer.h"
 
 #include <cstring>
+#include <memory>
 
 namespace MxXmlLib
 {
@@ -22,10 +23,19 @@ CStringBuffer::~CStringBuffer() { FreeChunks(); }
 void CStringBuffer::NewChunk()
 {
     // Not filled: GetText puts the terminator behind the text when asked.
-    char *chunk = new char[static_cast<std::size_t>(m_chunkSize) + 1];
-    m_chunks.push_back(chunk);
+    std::unique_ptr<char[]> chunk(new char[static_cast<std::size_t>(m_chunkSize) + 1]);
+    // Either list may fail to grow: the chunk is handed over only when both have.
     m_chunkSizes.push_back(m_chunkSize);
-    m_current = chunk;
+    try
+    {
+        m_chunks.push_back(chunk.get());
+    }
+    catch (...)
+    {
+        m_chunkSizes.pop_back();
+        throw;
+    }
+    m_current = chunk.release();
     m_capacity = m_chunkSize;
     m_used = 0;
 }
@@ -39,7 +49,8 @@ void CStringBuffer::Append(char const *text)
 
 void CStringBuffer::AppendSlow(char const *text, std::size_t remaining)
 {
-    m_length += static_cast<std::uint32_t>(remaining);
+    // The length grows with each piece copied, so that it stays true if a
+    // new chunk cannot be had.
     while (remaining > 0)
     {
         if (m_capacity == m_used)
@@ -52,6 +63,7 @@ void CStringBuffer::AppendSlow(char const *text, std::size_t remaining)
             n = remaining;
         std::memcpy(m_current + m_used, text, n);
         m_used += static_cast<std::uint32_t>(n); // <= m_capacity
+        m_length += static_cast<std::uint32_t>(n);
         text += n;
         remaining -= n;
     }

@@ -259,7 +259,9 @@ TEST_F(StreamFrames, StreamInputEdgeCases)
 }
 
 // Writes that stop after N bytes, for both file branches: every failure is
-// the file message with EFBIG, and the file keeps what was written.
+// the file message with EFBIG. The buffered branch replaces the file only
+// once all is written, so the earlier file stays whole; the direct branch
+// writes in place and the file keeps what was written.
 TEST_F(StreamFrames, FileWritesThatStopAfterNBytes)
 {
     auto order = Order(300); // several flushes of the direct branch
@@ -293,9 +295,29 @@ TEST_F(StreamFrames, FileWritesThatStopAfterNBytes)
                           errors[i]);
             else
                 EXPECT_EQ("no error", errors[i]);
-            EXPECT_EQ(limits[i], sizes[i]);
+            EXPECT_EQ(direct ? limits[i] : total, sizes[i]);
         }
     }
+    // The other buffered writers keep the earlier file the same way.
+    std::string const earlier = ReadFileBytes(path);
+    std::function<void()> const writers[] = {
+        [&] { order->ToJsonFile(path.c_str()); },
+        [&] { order->ToFastInfosetFile(path.c_str()); },
+        [&] { order->ToXmlFile(path.c_str(), true, true, XmlEncoding_UTF8, LF, CSerializationContext::GetDefaultContext(),
+                               CompressionGZip); },
+    };
+    for (auto const &write : writers)
+        for (rlim_t n : {0, 1, 20})
+        {
+            SCOPED_TRACE(n);
+            std::string error;
+            {
+                FileSizeLimit limit(n);
+                error = ErrorOf(write);
+            }
+            EXPECT_EQ("Failed to write data to the file [" + path + "] error [0x0000001B]", error);
+            EXPECT_EQ(earlier, ReadFileBytes(path));
+        }
     std::string const missing = m_dir.Path("no/folder.xml");
     AsyncToXmlFile(true);
     EXPECT_EQ("Failed to write data to the file [" + missing + "] error [0x00000002]",

@@ -128,30 +128,6 @@ TEST(FileBinaryStream, FailuresNameTheFileAndTheSystemError)
               ErrorOf([&] { nowhere.WriteFile(); }));
     CFileBinaryStream full("/dev/full", 2, CBinaryData("x"));
     EXPECT_EQ("Failed to write data to the file [/dev/full] error [0x0000001C]", ErrorOf([&] { full.WriteFile(); }));
-
-    // Writes that stop after N bytes: the byte order mark, then the data.
-    std::string const path = dir.Path("limited.bin");
-    std::string const payload(40, 'p');
-    for (rlim_t n = 0; n <= 43; ++n)
-    {
-        std::string error;
-        {
-            FileSizeLimit limit(n);
-            CFileBinaryStream stream(path.c_str(), 2, CBinaryData(payload.c_str()));
-            error = ErrorOf([&] { stream.WriteFile(); });
-        }
-        SCOPED_TRACE(n);
-        if (n < 42)
-        {
-            EXPECT_EQ("Failed to write data to the file [" + path + "] error [0x0000001B]", error);
-            EXPECT_EQ(n, ReadFileBytes(path).size());
-        }
-        else
-        {
-            EXPECT_EQ("no error", error);
-            EXPECT_EQ("\xFF\xFE" + payload, ReadFileBytes(path));
-        }
-    }
 }
 
 namespace

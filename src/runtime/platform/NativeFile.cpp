@@ -1,6 +1,9 @@
 #include "runtime/platform/NativeFile.h"
 
 #include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -38,6 +41,87 @@ bool NativeFile::CreateForWrite(char const *path)
     m_fd = ::open(path ? path : "", O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     if (m_fd < 0)
         return Fail();
+    return true;
+}
+
+bool NativeFile::CreateForReplace(char const *path)
+{
+    Close();
+    std::string target = path ? path : "";
+    if (target.empty() || target.back() == '/')
+        return CreateForWrite(path); // fails as it always did
+    struct stat st{};
+    bool const exists = ::stat(target.c_str(), &st) == 0;
+    if (exists && (!S_ISREG(st.st_mode) || st.st_nlink > 1))
+        return CreateForWrite(path);
+    // A link that names no file yet: opening through it creates that file.
+    struct stat link{};
+    if (!exists && ::lstat(target.c_str(), &link) == 0)
+        return CreateForWrite(path);
+    if (exists)
+    {
+        // Through a symbolic link, the file it names is the one replaced.
+        char resolved[PATH_MAX];
+        if (::realpath(target.c_str(), resolved) == nullptr)
+            return CreateForWrite(path);
+        target = resolved;
+    }
+    if (!OpenBeside(target))
+        return CreateForWrite(path);
+    if (exists && (::fchmod(m_fd, st.st_mode & 07777) != 0 ||
+                   ((st.st_uid != ::geteuid() || st.st_gid != ::getegid()) &&
+                    ::fchown(m_fd, st.st_uid, st.st_gid) != 0)))
+        return CreateForWrite(path); // Close() removes the file beside
+    return true;
+}
+
+// A new file in the target's folder, named after the target, created only if
+// no such file exists; permissions as for a new target (0666 less the umask).
+// Names are built before the file exists and handed over without allocating,
+// so that no failure leaves a file that nobody removes.
+bool NativeFile::OpenBeside(std::string const &target)
+{
+    std::size_t const slash = target.rfind('/');
+    std::string const folder = slash == std::string::npos ? std::string() : target.substr(0, slash + 1);
+    std::string const base = slash == std::string::npos ? target : target.substr(slash + 1);
+    std::string targetPath = target;
+    for (unsigned attempt = 0; attempt < 100; ++attempt)
+    {
+        char suffix[48];
+        std::snprintf(suffix, sizeof suffix, ".%lx-%lx-%u.tmp", static_cast<unsigned long>(::getpid()),
+                      static_cast<unsigned long>(reinterpret_cast<std::uintptr_t>(this)), attempt);
+        std::string temporary = folder + "." + base + suffix;
+        m_fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (m_fd >= 0)
+        {
+            m_temporaryPath.swap(temporary);
+            m_targetPath.swap(targetPath);
+            return true;
+        }
+        if (errno != EEXIST)
+            return false;
+    }
+    return false;
+}
+
+bool NativeFile::Commit()
+{
+    if (m_fd < 0)
+        return true;
+    // The data reaches the disk before the name, so that after a crash the
+    // target holds either the earlier bytes or all the new ones.
+    if (!m_temporaryPath.empty() && ::fsync(m_fd) != 0)
+        return Fail();
+    int const fd = m_fd;
+    m_fd = -1;
+    if (::close(fd) != 0)
+        return Fail();
+    if (m_temporaryPath.empty())
+        return true;
+    if (::rename(m_temporaryPath.c_str(), m_targetPath.c_str()) != 0)
+        return Fail();
+    m_temporaryPath.clear();
+    m_targetPath.clear();
     return true;
 }
 
@@ -145,6 +229,13 @@ void NativeFile::Close()
     {
         ::close(m_fd);
         m_fd = -1;
+    }
+    // A file written beside its target and not committed is abandoned.
+    if (!m_temporaryPath.empty())
+    {
+        ::unlink(m_temporaryPath.c_str());
+        m_temporaryPath.clear();
+        m_targetPath.clear();
     }
 }
 

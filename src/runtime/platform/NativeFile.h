@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 namespace MxXmlLib
 {
@@ -25,6 +26,17 @@ public:
     bool OpenForSequentialRead(char const *path);
     // Creates the file or empties an existing one.
     bool CreateForWrite(char const *path);
+    // Opens a file that is to replace `path` at Commit(). A regular file, or a
+    // new one, is written beside the target under a temporary name and renamed
+    // over it, so that a write that fails leaves the earlier file as it was;
+    // the temporary file is removed unless committed. Written in place, as by
+    // CreateForWrite: targets that are no regular file (a pipe, a device), a
+    // file with several hard links or one whose owner could not be kept, and a
+    // file whose folder does not take a new file.
+    bool CreateForReplace(char const *path);
+    // Flushes the data to the disk and closes; a file written beside its
+    // target then takes the target's name.
+    bool Commit();
     bool IsOpen() const { return m_fd >= 0; }
 
     // Reads until `size` bytes or the end of the file: bytes read, -1 on failure.
@@ -41,9 +53,13 @@ public:
 
 private:
     bool Fail();
+    bool OpenBeside(std::string const &target);
 
     int m_fd = -1;
     int m_error = 0;
+    // Set while the file is written beside its target.
+    std::string m_temporaryPath;
+    std::string m_targetPath;
 };
 
 } // namespace Platform
