@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what the build needs on a fresh Debian machine (run as root).
 set -euo pipefail
-pkgs=(cmake g++ make pkg-config libexpat1-dev libpcre3-dev zlib1g-dev googletest libgtest-dev libxerces-c-dev)
+pkgs=(cmake g++ make pkg-config libexpat1-dev libpcre3-dev zlib1g-dev googletest libgtest-dev libxerces-c-dev dpkg-dev)
 # RapidJSON is the baseline of the JSON benchmark only.
 [ "${MX_WITH_BENCH:-0}" = 1 ] && pkgs+=(libbenchmark-dev rapidjson-dev)
 # The test suite checks our output against independent readers: Python's json
