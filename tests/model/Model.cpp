@@ -51,12 +51,12 @@ CPrimitiveRestrictions Range(char const *minInclusive, char const *maxInclusive)
 
 CSmartPtr<CObjectCol> PartyCol(char const *name, int minOccurs)
 {
-    return new CObjectCol(name, minOccurs, -1, &CModelFactory::MakeByNumber, ClassId_Party, nullptr, false);
+    return new CObjectCol(name, kNs, minOccurs, -1, &CModelFactory::MakeByNumber, ClassId_Party, nullptr, false);
 }
 
 CSmartPtr<CObjectCol> PaymentCol(char const *name, int minOccurs)
 {
-    return new CObjectCol(name, minOccurs, -1, nullptr, 0, &CModelFactory::MakePayment, false);
+    return new CObjectCol(name, kNs, minOccurs, -1, nullptr, 0, &CModelFactory::MakePayment, false);
 }
 
 template <typename T> CSmartPtr<T> Make(int classId, char const *name)
@@ -348,7 +348,7 @@ void COrder::Init()
     line = PartyCol("line", 0);
     tender = PaymentCol("tender", 0);
     tag = NewPrimitiveCol<CstringCol>("tag", 0, -1);
-    flag = new CEnumCol("flag", 0, -1, &PriorityToString, &StringToPriority);
+    flag = new CEnumCol("flag", kNs, 0, -1, &PriorityToString, &StringToPriority, MxXmlLib::CWhitespaceUtils::WhitespaceRule::Collapse);
     code = NewPrimitiveCol<Ci4Col>("code", 0, 3);
     anyAttributes = new CAttributeCol("", "##other", kNs);
 }
@@ -525,7 +525,7 @@ void CPicks::AccessProperty(int index, bool read, MxVariant &value)
 void CPicks::Init()
 {
     code = NewPrimitiveCol<CstringCol>("code", 1, -1);
-    mark = new CEnumCol("mark", 1, -1, &PriorityToString, &StringToPriority);
+    mark = new CEnumCol("mark", kNs, 1, -1, &PriorityToString, &StringToPriority, MxXmlLib::CWhitespaceUtils::WhitespaceRule::Collapse);
     line = PartyCol("line", 1);
     tender = PaymentCol("tender", 1);
     num = NewPrimitiveCol<Ci4Col>("num", 1, 2);
@@ -653,7 +653,7 @@ void CBag::Init()
     tender = PaymentCol("tender", 0);
     tag = NewPrimitiveCol<CstringCol>("tag", 0, 2);
     code = NewPrimitiveCol<Ci4Col>("code", 0, -1);
-    dims = new CObjectCol("dims", 0, -1, &CModelFactory::MakeByNumber, ClassId_Dimensions, nullptr, true);
+    dims = new CObjectCol("dims", kNs, 0, -1, &CModelFactory::MakeByNumber, ClassId_Dimensions, nullptr, true);
     rest = new CElementCol("", "##any", kNs, 0, -1);
 }
 

@@ -52,33 +52,10 @@ public:
     static MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> MakeTile(MxXmlLib::CXmlElement *element);
 };
 
-// A generated collection of objects: items of a real element are the
-// siblings of the collection's name, each made by number or, for a
-// substitutable class, by the element; inline items read on from the cursor
-// while they take something.
-class CObjectCol : public MxXmlLib::CXmlCollection
-{
-public:
-    CObjectCol(char const *elementName, int minOccurs, int maxOccurs, MxXmlLib::CClassfactoryBase::FactoryByNumber byNumber,
-               int classId, MxXmlLib::CClassfactoryBase::FactoryByElement byElement, bool inlineItems);
-    MxXmlLib::CXmlObjectBase *GetBase() override { return this; }
-    using MxXmlLib::CXmlObjectBase::GetBase;
-    void Add(MxXmlLib::CXmlObjectBase *item) { AppendItem(item); }
-    MxXmlLib::CXmlObjectBase *Item(int index) const { return GetNodeAtIndex(index)->item; }
-
-protected:
-    ~CObjectCol() override = default;
-    void ToXml_Int(MxXmlLib::CXmlWriter *writer, bool isRoot, char const *namespaceUri,
-                   MxXmlLib::CSerializationContext const &context, bool optionalChoice) const override;
-    MxXmlLib::CXmlElement *FromXml_Int(MxXmlLib::CXmlElement *parent, MxXmlLib::CXmlElement *current,
-                                       MxXmlLib::CSerializationContext const &context, bool optionalChoice) override;
-
-private:
-    MxXmlLib::CClassfactoryBase::FactoryByNumber m_byNumber;
-    int m_classId;
-    MxXmlLib::CClassfactoryBase::FactoryByElement m_byElement;
-    bool m_inlineItems;
-};
+// The library's collections of class elements and enumeration values,
+// which generated code holds for repeated elements.
+using MxXmlLib::CEnumCol;
+using MxXmlLib::CObjectCol;
 
 // A collection of the library's primitives in urn:m, without facets, items
 // collapsed as generated code has it for tokens and numbers.
@@ -87,32 +64,6 @@ template <typename Col> Col *NewPrimitiveCol(char const *elementName, int minOcc
     return new Col(elementName, kNs, minOccurs, maxOccurs, nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1,
                    -1, -1, MxXmlLib::CWhitespaceUtils::WhitespaceRule::Collapse);
 }
-
-// Repeated enumeration values, named by a function pair.
-class CEnumCol : public MxXmlLib::CXmlTypeCollection
-{
-public:
-    CEnumCol(char const *elementName, int minOccurs, int maxOccurs, char const *(*toString)(int),
-             int (*fromString)(char const *));
-    MxXmlLib::CXmlObjectBase *GetBase() override { return this; }
-    using MxXmlLib::CXmlObjectBase::GetBase;
-    int GetCount() const override { return static_cast<int>(m_items.size()); }
-    void Clear() override { m_items.clear(); }
-    void Remove(int index) override { m_items.erase(m_items.begin() + index); }
-    void Add(int value) { m_items.push_back(value); }
-    std::vector<int> const &Items() const { return m_items; }
-
-protected:
-    ~CEnumCol() override = default;
-    void AddFromString(std::string text) override;
-    void ToXml_Int(MxXmlLib::CXmlWriter *writer, bool isRoot, char const *namespaceUri,
-                   MxXmlLib::CSerializationContext const &context, bool optionalChoice) const override;
-
-private:
-    char const *(*m_toString)(int);
-    int (*m_fromString)(char const *);
-    std::vector<int> m_items;
-};
 
 // Helpers of the property functions: a primitive property is held as the
 // cell itself; an object property as a counted pointer.
