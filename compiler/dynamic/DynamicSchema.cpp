@@ -959,6 +959,59 @@ void CDynamicObject::Init()
     }
 }
 
+namespace
+{
+bool HoldsQName(ValueType const &type)
+{
+    if (type.qname)
+        return true;
+    for (ValueType const &item : type.items)
+        if (HoldsQName(item))
+            return true;
+    return false;
+}
+} // namespace
+
+CXmlElement *CDynamicObject::FromXml_Int(CXmlElement *element, CXmlElement *cursor,
+                                         CSerializationContext const &context, bool optionalChoice)
+{
+    CXmlElement *const next = CXmlGeneratedClass::FromXml_Int(element, cursor, context, optionalChoice);
+    m_prefixes.clear();
+    if (element == nullptr || element->GetDocument() == nullptr)
+        return next;
+    for (std::size_t i = 0; i < m_cells.size(); ++i)
+    {
+        ValueType const *type = FacetedValue(static_cast<int>(i));
+        if (type == nullptr || !HoldsQName(*type) || m_cells[i].GetTypeAsEnum() != ItemType_string)
+            continue;
+        std::string const text = CWhitespaceUtils::ApplyRule(WhitespaceRule::Collapse, m_cells[i].GetString());
+        for (std::string const &item : Dynamic::Items(text))
+        {
+            std::size_t const colon = item.find(':');
+            if (colon == std::string::npos)
+                continue;
+            std::string const prefix = item.substr(0, colon);
+            std::string const uri = element->GetDocument()->LookupNamespaceFromAlias(prefix.c_str());
+            if (!uri.empty())
+                m_prefixes.emplace_back(prefix, uri);
+        }
+    }
+    return next;
+}
+
+void CDynamicObject::AttributesToXml_Int(CXmlWriter *writer, CSerializationContext const &context) const
+{
+    // The writer declares a prefix only where a name uses it; a prefix in a
+    // value is declared by hand, and entered in the scope so that the writer
+    // does not take it for another namespace.
+    for (auto const &[prefix, uri] : m_prefixes)
+    {
+        writer->AddNamespace(prefix, uri);
+        writer->WriteAttribute("xmlns:" + prefix, std::string(), uri, ItemType_string);
+    }
+    CXmlGeneratedClass::AttributesToXml_Int(writer, context);
+}
+
 int CDynamicObject::PropertyIndex(std::string const &name) const
 {
     ClassDef const &c = GetClass();

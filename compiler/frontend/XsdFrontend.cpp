@@ -777,7 +777,10 @@ private:
             // Length facets on QName and NOTATION constrain nothing (XSD 1.0
             // errata): the prefix is no part of the value.
             if (std::strcmp(builtin->name, "QName") == 0 || std::strcmp(builtin->name, "NOTATION") == 0)
+            {
                 v.facets.length = v.facets.minLength = v.facets.maxLength = -1;
+                v.qname = true;
+            }
             break;
         }
         }
@@ -792,6 +795,25 @@ private:
         if (enumeration != nullptr && enumeration->size() > 0 &&
             (type->getDefinedFacets() & XSSimpleTypeDefinition::FACET_ENUMERATION))
             v.enumeration = EnumerationFor(type, v.name, enumeration, v);
+        // A pattern constrains the lexical form, which the value cell of a
+        // number, date or boolean does not keep, and an enumerated value is
+        // written best as the schema or the document spelled it: such values
+        // are held as their text, checked as the typed value when stored.
+        if (v.variety == ValueType::Variety::Atomic && v.itemType != MxXmlLib::ItemType_string &&
+            (!v.facets.pattern.empty() || v.enumeration >= 0))
+        {
+            ValueType member = v;
+            member.enumeration = -1;
+            v.variety = ValueType::Variety::Union;
+            v.whitespace = WhitespaceRule::Collapse;
+            v.facets = ValueType().facets;
+            v.facets.pattern = member.facets.pattern;
+            v.notes.push_back(std::string("a ") + ItemTypeName(v.itemType) +
+                              (member.facets.pattern.empty() ? " enumeration" : " with a pattern") +
+                              ": kept as its text, checked as the typed value");
+            v.itemType = MxXmlLib::ItemType_string;
+            v.items.push_back(std::move(member));
+        }
         return v;
     }
 

@@ -72,6 +72,7 @@ struct ValueType
         Union,
     };
     Variety variety = Variety::Atomic;
+    bool qname = false; // QName or NOTATION: the prefix in the text must be declared where it is written
     std::vector<ValueType> items;
     int listLength = -1, listMinLength = -1, listMaxLength = -1;
     // What the front end could not hand to the run-time (a second pattern

@@ -67,6 +67,58 @@ std::string ValueOf(PSVIItem *item, std::string const &raw)
     return raw;
 }
 
+// Xerces gives hexBinary and duration in their lexical forms; these are
+// their canonical ones (upper-case digits; no zero fields or leading zeros).
+std::string CanonicalHex(std::string text)
+{
+    for (char &c : text)
+        if (c >= 'a' && c <= 'f')
+            c = static_cast<char>(c - 'a' + 'A');
+    return text;
+}
+
+std::string CanonicalDuration(std::string const &text)
+{
+    std::string out, date, time;
+    std::size_t i = 0;
+    if (i < text.size() && text[i] == '-')
+        out += text[i++];
+    bool inTime = false;
+    for (++i; i < text.size();)
+    {
+        if (text[i] == 'T')
+        {
+            inTime = true;
+            ++i;
+            continue;
+        }
+        std::size_t j = i;
+        while (j < text.size() && ((text[j] >= '0' && text[j] <= '9') || text[j] == '.'))
+            ++j;
+        if (j >= text.size())
+            return text;
+        std::string number = text.substr(i, j - i);
+        if (number.find('.') != std::string::npos)
+        {
+            while (!number.empty() && number.back() == '0')
+                number.pop_back();
+            if (!number.empty() && number.back() == '.')
+                number.pop_back();
+        }
+        std::size_t const first = number.find_first_not_of('0');
+        number = first == std::string::npos || number[first] == '.' ? "0" + number.substr(first == std::string::npos ? number.size() : first)
+                                                                    : number.substr(first);
+        if (number != "0")
+            (inTime ? time : date) += number + text[j];
+        i = j + 1;
+    }
+    if (date.empty() && time.empty())
+        return "PT0S";
+    if (out == "-" && date.empty() && time.empty())
+        out.clear();
+    return out + "P" + date + (time.empty() ? "" : "T" + time);
+}
+
 std::string PrimitiveOf(XSTypeDefinition *type)
 {
     if (type == nullptr || type->getTypeCategory() != XSTypeDefinition::SIMPLE_TYPE)
@@ -197,6 +249,10 @@ public:
             node->hasValue = true;
             node->value = ValueOf(info, node->text);
             node->primitive = PrimitiveOf(info->getMemberTypeDefinition() ? info->getMemberTypeDefinition() : valueType);
+            if (node->primitive == "hexBinary")
+                node->value = CanonicalHex(node->value);
+            else if (node->primitive == "duration")
+                node->value = CanonicalDuration(node->value);
         }
     }
 
