@@ -25,7 +25,7 @@ for line in open(cases_file, encoding='utf-8'):
 
 picked = []
 nist_seen = {}
-every = {'ms': 25, 'sun': 5, 'boeing': 1, 'common': 1}
+every = {"ms": 25, "sun": 5, "boeing": 1, "common": 1}
 counter = {}
 for (set_name, group), rows in groups.items():
     if set_name == 'nist':
@@ -40,6 +40,10 @@ for (set_name, group), rows in groups.items():
         if number == '1' and facet not in seen[kind] and len(seen[kind]) < wanted:
             seen[kind].add(facet)
             picked.append(rows[0])
+        continue
+    # particlesZ036 (maxOccurs 100000000) makes Xerces itself run out of
+    # memory: a hostile schema, not a case for the quick run.
+    if 'particlesZ036' in group:
         continue
     counter[set_name] = counter.get(set_name, 0) + 1
     if (counter[set_name] - 1) % every[set_name] == 0:

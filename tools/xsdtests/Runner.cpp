@@ -81,7 +81,13 @@ std::string Family(std::string const &message)
             out += c;
     }
     if (out.size() > 200)
-        out = out.substr(0, 200) + "...";
+    {
+        // Cut before a UTF-8 continuation byte, never inside a character.
+        std::size_t cut = 200;
+        while (cut > 0 && (static_cast<unsigned char>(out[cut]) & 0xC0) == 0x80)
+            --cut;
+        out = out.substr(0, cut) + "...";
+    }
     return out;
 }
 
