@@ -1,6 +1,7 @@
 #include "dynamic/DynamicSchema.h"
 
 #include "frontend/XsdFrontend.h"
+#include "values/FacetCheck.h"
 
 #include "collections/GeneratedCollections.h"
 
@@ -144,6 +145,155 @@ public:
     using CClassfactoryBase::GetElementTypeNamespaceUri;
 };
 
+// ---------------------------------------------------------------------------
+// Values held as text (lists, unions, enumerations) are checked here: the
+// rows convert atomic values, but only this code knows a list's items or a
+// union's members.
+
+int MatchEnumeration(std::vector<Enumeration> const *all, Enumeration const &e, std::string const &text);
+
+std::vector<std::string> Items(std::string const &collapsed)
+{
+    std::vector<std::string> items;
+    for (std::size_t start = 0; start < collapsed.size();)
+    {
+        std::size_t const end = std::min(collapsed.find(' ', start), collapsed.size());
+        items.push_back(collapsed.substr(start, end - start));
+        start = end + 1;
+    }
+    return items;
+}
+
+void CheckPattern(ValueType const &type, std::string const &text, char const *name)
+{
+    if (type.facets.pattern.empty())
+        return;
+    CPrimitiveRestrictions pattern(type.facets.pattern.c_str(), -1, -1, nullptr, nullptr, nullptr, nullptr, -1, -1, -1);
+    MxVariant v;
+    v.SetString(text);
+    CheckPrimitiveFacets(name, v, ItemType_string, pattern);
+}
+
+void CheckMember(std::vector<Enumeration> const *all, ValueType const &type, std::string const &text)
+{
+    if (type.enumeration < 0 || all == nullptr)
+        return;
+    Enumeration const &e = (*all)[static_cast<std::size_t>(type.enumeration)];
+    if (MatchEnumeration(all, e, text) < 0)
+        throw CMxInvalidValueException(
+            FormatString("Invalid value [%s] for the enumeration %s", text.c_str(), e.name.c_str()));
+}
+
+// The canonical text of `text` as a value of `type`, after every facet
+// check but enumerations of `type` itself; raises when the text is none.
+std::string Canonical(std::vector<Enumeration> const *all, ValueType const &type, std::string const &text,
+                      char const *name)
+{
+    switch (type.variety)
+    {
+    case ValueType::Variety::Atomic:
+    {
+        if (type.itemType == ItemType_string)
+        {
+            std::string const t = CWhitespaceUtils::ApplyRule(type.whitespace, text);
+            MxVariant v;
+            v.SetString(t);
+            CheckPrimitiveFacets(name, v, ItemType_string, type.facets);
+            return t;
+        }
+        MxVariant v;
+        v.FromString(text, type.itemType, type.whitespace);
+        CheckPrimitiveFacets(name, v, type.itemType, type.facets);
+        std::string canonical = v.ToString();
+        // A zero offset is UTC whichever way it is written.
+        std::size_t const n = canonical.size();
+        if (n > 6 && (canonical.compare(n - 6, 6, "+00:00") == 0 || canonical.compare(n - 6, 6, "-00:00") == 0))
+            canonical.replace(n - 6, 6, "Z");
+        return canonical;
+    }
+    case ValueType::Variety::List:
+    {
+        std::string const t = CWhitespaceUtils::ApplyRule(WhitespaceRule::Collapse, text);
+        std::vector<std::string> const items = Items(t);
+        int const n = static_cast<int>(items.size());
+        if (type.listLength >= 0 && n != type.listLength)
+            throw CMxInvalidValueException(FormatString("The list [%s] has %d items where %d are required", t.c_str(),
+                                                        n, type.listLength));
+        if (type.listMinLength >= 0 && n < type.listMinLength)
+            throw CMxInvalidValueException(FormatString("The list [%s] has %d items, fewer than the %d required",
+                                                        t.c_str(), n, type.listMinLength));
+        if (type.listMaxLength >= 0 && n > type.listMaxLength)
+            throw CMxInvalidValueException(FormatString("The list [%s] has %d items, more than the %d allowed",
+                                                        t.c_str(), n, type.listMaxLength));
+        CheckPattern(type, t, name);
+        std::string canonical;
+        for (std::string const &item : items)
+        {
+            if (type.items.empty())
+            {
+                canonical += (canonical.empty() ? "" : " ") + item;
+                continue;
+            }
+            std::string const c = Canonical(all, type.items.front(), item, name);
+            CheckMember(all, type.items.front(), item);
+            canonical += (canonical.empty() ? "" : " ") + c;
+        }
+        return canonical;
+    }
+    case ValueType::Variety::Union:
+    {
+        std::string const t = CWhitespaceUtils::ApplyRule(type.whitespace, text);
+        CheckPattern(type, t, name);
+        for (ValueType const &member : type.items)
+        {
+            try
+            {
+                std::string const c = Canonical(all, member, text, name);
+                CheckMember(all, member, text);
+                return c;
+            }
+            catch (CMxException const &)
+            {
+            }
+        }
+        if (type.items.empty())
+            return t;
+        throw CMxInvalidValueException(
+            FormatString("The value [%s] is valid for none of the member types of %s", t.c_str(), type.name.c_str()));
+    }
+    }
+    return text;
+}
+
+// The index of the value that `text` stands for, or -1.
+int MatchEnumeration(std::vector<Enumeration> const *all, Enumeration const &e, std::string const &text)
+{
+    for (std::size_t i = 0; i < e.values.size(); ++i)
+        if (e.values[i] == text)
+            return static_cast<int>(i);
+    std::string canonical;
+    try
+    {
+        canonical = Canonical(all, e.type, text, e.name.c_str());
+    }
+    catch (CMxException const &)
+    {
+        return -1;
+    }
+    for (std::size_t i = 0; i < e.values.size(); ++i)
+    {
+        try
+        {
+            if (Canonical(all, e.type, e.values[i], e.name.c_str()) == canonical)
+                return static_cast<int>(i);
+        }
+        catch (CMxException const &)
+        {
+        }
+    }
+    return -1;
+}
+
 template <std::size_t I> char const *EnumToString(int value)
 {
     Enumeration const *e = g_enums[I].load(std::memory_order_acquire);
@@ -156,9 +306,11 @@ template <std::size_t I> int EnumFromString(char const *text)
 {
     Enumeration const *e = g_enums[I].load(std::memory_order_acquire);
     if (e != nullptr)
-        for (std::size_t i = 0; i < e->values.size(); ++i)
-            if (e->values[i] == text)
-                return static_cast<int>(i);
+    {
+        int const index = MatchEnumeration(nullptr, *e, text ? text : "");
+        if (index >= 0)
+            return index;
+    }
     throw CMxInvalidValueException(
         FormatString("Invalid value [%s] for the enumeration %s", text, e ? e->name.c_str() : "?"));
 }
@@ -572,9 +724,48 @@ void CDynamicObject::AccessProperty(int index, bool read, MxVariant &value)
     if (index < 0 || static_cast<std::size_t>(index) >= m_cells.size())
         throw CMxException(FormatString("Unknown property %d of %s", index, GetClass().identifier.c_str()));
     if (read)
+    {
         value = m_cells[static_cast<std::size_t>(index)];
-    else
-        m_cells[static_cast<std::size_t>(index)] = value;
+        return;
+    }
+    // The rows convert without checking facets; a value that breaks them is
+    // refused here, when it is stored, so that reading an invalid document
+    // fails at the element or attribute that holds it.
+    if (ValueType const *type = FacetedValue(index); type != nullptr && value.GetTypeAsEnum() != ItemType_None &&
+                                                      !value.IsNil())
+    {
+        char const *name = GetClass().properties[static_cast<std::size_t>(index)].name.c_str();
+        if (type->variety == ValueType::Variety::Atomic && type->enumeration < 0)
+            CheckPrimitiveFacets(name, value, type->itemType, type->facets);
+        else
+        {
+            std::string const text =
+                value.GetTypeAsEnum() == ItemType_string ? value.GetString() : value.ToString();
+            Dynamic::Canonical(&m_set->model.enumerations, *type, text, name);
+            Dynamic::CheckMember(&m_set->model.enumerations, *type, text);
+        }
+    }
+    m_cells[static_cast<std::size_t>(index)] = value;
+}
+
+ValueType const *CDynamicObject::FacetedValue(int index) const
+{
+    ClassDef const &c = GetClass();
+    Property const &p = c.properties[static_cast<std::size_t>(index)];
+    if (p.holds != Property::Holds::Value)
+        return nullptr;
+    // Enumeration rows store the number of a value their functions found.
+    if (p.row >= 0)
+    {
+        ElementRow const &row = c.elements[static_cast<std::size_t>(p.row)];
+        return row.kind == RowKind::Enum ? nullptr : &row.value;
+    }
+    if (p.attribute >= 0)
+    {
+        AttributeRow const &a = c.attributes[static_cast<std::size_t>(p.attribute)];
+        return a.kind == AttributeRow::Kind::Enum ? nullptr : &a.value;
+    }
+    return index == c.simpleContentProperty ? &c.simpleContent : nullptr;
 }
 
 CParentElementInfo *CDynamicObject::GetParentElementInfo()
@@ -701,6 +892,59 @@ void CDynamicObject::Reset(bool makeMandatoryChildren)
     }
 }
 
+namespace
+{
+bool HoldsQName(ValueType const &type)
+{
+    if (type.qname)
+        return true;
+    for (ValueType const &item : type.items)
+        if (HoldsQName(item))
+            return true;
+    return false;
+}
+} // namespace
+
+CXmlElement *CDynamicObject::FromXml_Int(CXmlElement *element, CXmlElement *cursor,
+                                         CSerializationContext const &context, bool optionalChoice)
+{
+    CXmlElement *const next = CXmlGeneratedClass::FromXml_Int(element, cursor, context, optionalChoice);
+    m_prefixes.clear();
+    if (element == nullptr || element->GetDocument() == nullptr)
+        return next;
+    for (std::size_t i = 0; i < m_cells.size(); ++i)
+    {
+        ValueType const *type = FacetedValue(static_cast<int>(i));
+        if (type == nullptr || !HoldsQName(*type) || m_cells[i].GetTypeAsEnum() != ItemType_string)
+            continue;
+        std::string const text = CWhitespaceUtils::ApplyRule(WhitespaceRule::Collapse, m_cells[i].GetString());
+        for (std::string const &item : Dynamic::Items(text))
+        {
+            std::size_t const colon = item.find(':');
+            if (colon == std::string::npos)
+                continue;
+            std::string const prefix = item.substr(0, colon);
+            std::string const uri = element->GetDocument()->LookupNamespaceFromAlias(prefix.c_str());
+            if (!uri.empty())
+                m_prefixes.emplace_back(prefix, uri);
+        }
+    }
+    return next;
+}
+
+void CDynamicObject::AttributesToXml_Int(CXmlWriter *writer, CSerializationContext const &context) const
+{
+    // The writer declares a prefix only where a name uses it; a prefix in a
+    // value is declared by hand, and entered in the scope so that the writer
+    // does not take it for another namespace.
+    for (auto const &[prefix, uri] : m_prefixes)
+    {
+        writer->AddNamespace(prefix, uri);
+        writer->WriteAttribute("xmlns:" + prefix, std::string(), uri, ItemType_string);
+    }
+    CXmlGeneratedClass::AttributesToXml_Int(writer, context);
+}
+
 int CDynamicObject::PropertyIndex(std::string const &name) const
 {
     ClassDef const &c = GetClass();
@@ -785,11 +1029,13 @@ namespace
 {
 // Parses XML text or Fast Infoset, maybe compressed, or JSON by its XML
 // translation (strict or not as the document's context says), into `document`.
-void LoadDocument(CXmlDocument &document, CBinaryData const &bytes)
+// Returns whether the document came from JSON.
+bool LoadDocument(CXmlDocument &document, CBinaryData const &bytes)
 {
     CBinaryData plain(bytes);
     Decompress(plain);
-    if (LooksLikeJson(plain))
+    bool const json = LooksLikeJson(plain);
+    if (json)
     {
         CBinaryData xml = document.LoadJsonStream(plain.GetData(), plain.GetLength());
         document.LoadXmlStream(xml.GetData(), xml.GetLength());
@@ -798,6 +1044,17 @@ void LoadDocument(CXmlDocument &document, CBinaryData const &bytes)
         document.LoadXmlStream(plain.GetData(), plain.GetLength());
     if (document.GetDocumentElement() == nullptr)
         throw CMxException("The document has no root element");
+    return json;
+}
+
+// JSON that is not a full round trip keeps no namespaces, so its elements
+// match by local name alone, as FromJson does.
+CSerializationContext ReadingContext(CSerializationContext const &context, bool json)
+{
+    CSerializationContext reading(context);
+    if (json && context.GetJsonContext().GetSupportRoundtrip() != RoundTripFull)
+        reading.SetIgnoreNamespaces(true);
+    return reading;
 }
 
 CSmartPtr<CXmlObjectBase> ReadInto(CSmartPtr<CXmlObjectBase> made, CXmlElement *root,
@@ -815,17 +1072,17 @@ CSmartPtr<CXmlObjectBase> ReadInto(CSmartPtr<CXmlObjectBase> made, CXmlElement *
 CSmartPtr<CXmlObjectBase> CSchemaSet::Read(CBinaryData const &bytes, CSerializationContext const &context) const
 {
     CXmlDocument document(context);
-    LoadDocument(document, bytes);
+    bool const json = LoadDocument(document, bytes);
     CXmlElement *root = document.GetDocumentElement();
-    return ReadInto(CreateFor(root), root, context);
+    return ReadInto(CreateFor(root), root, ReadingContext(context, json));
 }
 
 CSmartPtr<CXmlObjectBase> ReadUntyped(CBinaryData const &bytes, CSerializationContext const &context)
 {
     CXmlDocument document(context);
-    LoadDocument(document, bytes);
+    bool const json = LoadDocument(document, bytes);
     CXmlElement *root = document.GetDocumentElement();
-    return ReadInto(new CElement("document"), root, context);
+    return ReadInto(new CElement("document"), root, ReadingContext(context, json));
 }
 
 bool LooksLikeJson(CBinaryData const &bytes)

@@ -60,16 +60,24 @@ public:
 
 protected:
     ~CDynamicObject() override;
+    // QName values keep their prefixes: reading notes what each stands for,
+    // and writing declares them on this element.
+    MxXmlLib::CXmlElement *FromXml_Int(MxXmlLib::CXmlElement *element, MxXmlLib::CXmlElement *cursor,
+                                       MxXmlLib::CSerializationContext const &context, bool optionalChoice) override;
+    void AttributesToXml_Int(MxXmlLib::CXmlWriter *writer, MxXmlLib::CSerializationContext const &context) const override;
     std::string GetTargetNamespace() const override { return m_elementNamespace; }
 
 private:
     void Reset(bool makeMandatoryChildren);
     int PropertyIndex(std::string const &name) const;
+    // The simple type whose facets a stored value must meet, or null.
+    ValueType const *FacetedValue(int index) const;
 
     std::shared_ptr<Dynamic::SetData const> m_set;
     int m_class;
     std::string m_elementNamespace;
     std::vector<MxXmlLib::MxVariant> m_cells;
+    std::vector<std::pair<std::string, std::string>> m_prefixes; // prefix, namespace
 };
 
 // A loaded schema set. Copies share the set; the set goes when the last copy

@@ -731,15 +731,39 @@ private:
         switch (type->getVariety())
         {
         case XSSimpleTypeDefinition::VARIETY_LIST:
+        {
             v.itemType = MxXmlLib::ItemType_string;
             v.whitespace = WhitespaceRule::Collapse;
-            v.notes.push_back("list: kept as its text, item facets not checked");
+            v.variety = ValueType::Variety::List;
+            if (++m_valueDepth > kMaxNesting)
+                throw CSchemaError("simple type " + v.name + " nests lists and unions too deeply");
+            if (XSSimpleTypeDefinition *item = ListItemType(type))
+                v.items.push_back(ValueFor(item, owner));
+            --m_valueDepth;
+            // Only a restriction of a list has facets of its own; Xerces shows
+            // the item type's facets on the list that xs:list makes.
+            XSTypeDefinition *base = type->getBaseType();
+            if (base != nullptr && base != type && base->getTypeCategory() == XSTypeDefinition::SIMPLE_TYPE &&
+                static_cast<XSSimpleTypeDefinition *>(base)->getVariety() == XSSimpleTypeDefinition::VARIETY_LIST)
+                AddListFacets(v, type);
+            v.notes.push_back("list: kept as its text, items checked when stored");
             break;
+        }
         case XSSimpleTypeDefinition::VARIETY_UNION:
+        {
             v.itemType = MxXmlLib::ItemType_string;
             v.whitespace = UnionWhitespace(type);
-            v.notes.push_back("union: kept as its text");
+            v.variety = ValueType::Variety::Union;
+            if (++m_valueDepth > kMaxNesting)
+                throw CSchemaError("simple type " + v.name + " nests lists and unions too deeply");
+            XSSimpleTypeDefinitionList *members = type->getMemberTypes();
+            for (XMLSize_t i = 0; members && i < members->size(); ++i)
+                v.items.push_back(ValueFor(members->elementAt(i), owner));
+            --m_valueDepth;
+            AddListFacets(v, type);
+            v.notes.push_back("union: kept as its text, checked against its members when stored");
             break;
+        }
         default:
         {
             XSTypeDefinition *t = type;
@@ -759,6 +783,13 @@ private:
             v.whitespace = builtin->whitespace;
             if (Utf8(type->getNamespace()) != kXsdNamespace)
                 AddFacets(v, type);
+            // Length facets on QName and NOTATION constrain nothing (XSD 1.0
+            // errata): the prefix is no part of the value.
+            if (std::strcmp(builtin->name, "QName") == 0 || std::strcmp(builtin->name, "NOTATION") == 0)
+            {
+                v.facets.length = v.facets.minLength = v.facets.maxLength = -1;
+                v.qname = true;
+            }
             break;
         }
         }
@@ -772,8 +803,55 @@ private:
         StringList *enumeration = type->getLexicalEnumeration();
         if (enumeration != nullptr && enumeration->size() > 0 &&
             (type->getDefinedFacets() & XSSimpleTypeDefinition::FACET_ENUMERATION))
-            v.enumeration = EnumerationFor(type, v.name, enumeration);
+            v.enumeration = EnumerationFor(type, v.name, enumeration, v);
+        // A pattern constrains the lexical form, which the value cell of a
+        // number, date or boolean does not keep, and an enumerated value is
+        // written best as the schema or the document spelled it: such values
+        // are held as their text, checked as the typed value when stored.
+        if (v.variety == ValueType::Variety::Atomic && v.itemType != MxXmlLib::ItemType_string &&
+            (!v.facets.pattern.empty() || v.enumeration >= 0))
+        {
+            ValueType member = v;
+            member.enumeration = -1;
+            v.variety = ValueType::Variety::Union;
+            v.whitespace = WhitespaceRule::Collapse;
+            v.facets = ValueType().facets;
+            v.facets.pattern = member.facets.pattern;
+            v.notes.push_back(std::string("a ") + ItemTypeName(v.itemType) +
+                              (member.facets.pattern.empty() ? " enumeration" : " with a pattern") +
+                              ": kept as its text, checked as the typed value");
+            v.itemType = MxXmlLib::ItemType_string;
+            v.items.push_back(std::move(member));
+        }
         return v;
+    }
+
+    // The item type of a list, also of a list restricted further.
+    static XSSimpleTypeDefinition *ListItemType(XSSimpleTypeDefinition *type)
+    {
+        for (XSSimpleTypeDefinition *t = type; t != nullptr;)
+        {
+            if (XSSimpleTypeDefinition *item = t->getItemType())
+                return item;
+            XSTypeDefinition *base = t->getBaseType();
+            if (base == nullptr || base == t || base->getTypeCategory() != XSTypeDefinition::SIMPLE_TYPE)
+                return nullptr;
+            t = static_cast<XSSimpleTypeDefinition *>(base);
+        }
+        return nullptr;
+    }
+
+    // A list's length facets count items, and a pattern applies to the whole
+    // text; a union has only pattern and enumeration.
+    static void AddListFacets(ValueType &v, XSSimpleTypeDefinition *type)
+    {
+        ValueType scratch;
+        AddFacets(scratch, type);
+        v.listLength = scratch.facets.length;
+        v.listMinLength = scratch.facets.minLength;
+        v.listMaxLength = scratch.facets.maxLength;
+        v.facets.pattern = scratch.facets.pattern;
+        v.notes.insert(v.notes.end(), scratch.notes.begin(), scratch.notes.end());
     }
 
     static WhitespaceRule UnionWhitespace(XSSimpleTypeDefinition *type)
@@ -822,17 +900,17 @@ private:
         if (type->getDefinedFacets() & XSSimpleTypeDefinition::FACET_PATTERN)
         {
             StringList *patterns = type->getLexicalPattern();
-            if (patterns != nullptr && patterns->size() > 0)
-            {
-                f.pattern = Utf8(patterns->elementAt(0));
-                if (patterns->size() > 1)
-                    v.notes.push_back("only the first of " + std::to_string(patterns->size()) +
-                                      " pattern steps is checked");
-            }
+            // Xerces hands the pattern cut at every '|' (also inside a
+            // character class or after a backslash); joined again, the pieces
+            // are the schema's own text, or alternatives of one step, which
+            // XSD joins with '|' as well.
+            for (XMLSize_t i = 0; patterns != nullptr && i < patterns->size(); ++i)
+                f.pattern += (i ? "|" : "") + Utf8(patterns->elementAt(i));
         }
     }
 
-    int EnumerationFor(XSSimpleTypeDefinition *type, std::string const &name, StringList *values)
+    int EnumerationFor(XSSimpleTypeDefinition *type, std::string const &name, StringList *values,
+                       ValueType const &valueType)
     {
         auto const found = m_enumerations.find(type);
         if (found != m_enumerations.end())
@@ -846,6 +924,7 @@ private:
         e.name = candidate;
         for (XMLSize_t i = 0; i < values->size(); ++i)
             e.values.push_back(Utf8(values->elementAt(i)));
+        e.type = valueType;
         m_model.enumerations.push_back(e);
         int const index = static_cast<int>(m_model.enumerations.size()) - 1;
         m_enumerations[type] = index;
@@ -860,6 +939,7 @@ private:
     std::vector<std::pair<int, XSComplexTypeDefinition *>> m_pending;
     std::set<std::string> m_identifiers;
     std::set<std::string> m_enumerationNames;
+    int m_valueDepth = 0;
 };
 
 void CheckReadable(std::string const &file)

@@ -62,6 +62,19 @@ struct ValueType
     WhitespaceRule whitespace = WhitespaceRule::Preserve;
     MxXmlLib::CPrimitiveRestrictions facets{nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1, -1, -1};
     int enumeration = -1; // index into Model::enumerations
+    // Lists and unions are held as their text; these say what the text must
+    // be. A list has one entry in `items`, its item type, and counts items
+    // for its length facets; a union has its member types, tried in order.
+    enum class Variety
+    {
+        Atomic,
+        List,
+        Union,
+    };
+    Variety variety = Variety::Atomic;
+    bool qname = false; // QName or NOTATION: the prefix in the text must be declared where it is written
+    std::vector<ValueType> items;
+    int listLength = -1, listMinLength = -1, listMaxLength = -1;
     // What the front end could not hand to the run-time (a second pattern
     // of a derivation chain, list item facets): shown by describe.
     std::vector<std::string> notes;
@@ -71,6 +84,9 @@ struct Enumeration
 {
     std::string name;                // unique in the model
     std::vector<std::string> values; // index = the enumeration's number
+    // The type whose values these are: text matches a value when both have
+    // the same canonical form in it (" 1.0 " is the decimal 1).
+    ValueType type;
 };
 
 // One numbered case of a class's property function.
