@@ -68,7 +68,26 @@ double TimeLoad(std::string const &path, int rounds, std::size_t &classes)
 }
 } // namespace
 
+int Run(int argc, char **argv);
+
 int main(int argc, char **argv)
+{
+    try
+    {
+        return Run(argc, argv);
+    }
+    catch (MxCompiler::CSchemaError const &e)
+    {
+        std::fprintf(stderr, "schema: %s\n", e.what());
+    }
+    catch (CMxException const &e)
+    {
+        std::fprintf(stderr, "%s\n", e.GetFullMessage().c_str());
+    }
+    return 1;
+}
+
+int Run(int argc, char **argv)
 {
     Register(16, 1);
     std::vector<std::string> schemas = {MX_EXAMPLE_DATA_DIR "/purchase-order.xsd"};
