@@ -8,6 +8,7 @@
 //
 //   scripts/bench.sh compression
 
+#include "BenchSupport.h"
 #include "MxXmlLib.h"
 #include "runtime/Compression.h"
 
@@ -56,12 +57,7 @@ protected:
     }
 };
 
-double CpuNow()
-{
-    timespec ts{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
-    return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) * 1e-9;
-}
+using MxBench::CpuNow;
 
 double Best(int runs, std::function<void()> const &work)
 {

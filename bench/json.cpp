@@ -31,12 +31,7 @@ using Example::CPurchaseOrder;
 
 namespace
 {
-double CpuNow()
-{
-    timespec ts{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
-    return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) * 1e-9;
-}
+using MxBench::CpuNow;
 
 // Best of `runs` timings of `call`, in seconds of this thread's CPU time.
 template <class F> double Best(int runs, F const &call)

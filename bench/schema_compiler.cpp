@@ -23,12 +23,7 @@ using namespace MxXmlLib;
 
 namespace
 {
-double CpuNow()
-{
-    timespec ts{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
-    return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) * 1e-9;
-}
+using MxBench::CpuNow;
 
 // Many named types that refer to each other, with facets and enumerations:
 // the shape of a large exchange format.

@@ -15,6 +15,7 @@
 //
 //   scripts/bench.sh streaming [size in MB]
 
+#include "BenchSupport.h"
 #include "MxXmlLib.h"
 #include "model/PurchaseOrder.h"
 
@@ -30,12 +31,7 @@ using namespace MxXmlLib;
 
 namespace
 {
-double CpuNow()
-{
-    timespec ts{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
-    return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) * 1e-9;
-}
+using MxBench::CpuNow;
 
 std::size_t StatusBytes(char const *field)
 {
