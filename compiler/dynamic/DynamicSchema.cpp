@@ -9,6 +9,7 @@
 #include <array>
 #include <atomic>
 #include <cstring>
+#include <map>
 #include <mutex>
 #include <type_traits>
 #include <utility>
@@ -109,6 +110,14 @@ struct SetData : std::enable_shared_from_this<SetData>
     std::vector<int> enumSlots;             // per enumeration
     std::vector<std::unique_ptr<AbsSlot>> absSlots;
     std::vector<int> absSlotNumbers;
+    // The patterns of the string values, compiled once when the set loads,
+    // with the rest of their facets: a value is checked as it is stored.
+    struct Pattern
+    {
+        CPrimitiveRestrictions otherFacets;
+        std::unique_ptr<CXsdPattern> compiled;
+    };
+    std::map<ValueType const *, Pattern> patterns;
 
     ~SetData();
     CSmartPtr<CXmlObjectBase> Make(int classIndex, bool nillable, char const *elementName,
@@ -693,6 +702,24 @@ std::shared_ptr<SetData> Build(Model model)
         }
         t.attributes.push_back(nullptr);
     }
+    auto compile = [&data](ValueType const &v) {
+        if (v.variety != ValueType::Variety::Atomic || v.enumeration >= 0 || v.itemType != ItemType_string ||
+            v.facets.pattern.empty())
+            return;
+        SetData::Pattern p{v.facets, nullptr};
+        p.otherFacets.pattern.clear();
+        std::string converted;
+        p.compiled = std::make_unique<CXsdPattern>(std::string(LocalToUtf8View(v.facets.pattern, converted)));
+        data->patterns.emplace(&v, std::move(p));
+    };
+    for (ClassDef const &c : m.classes)
+    {
+        for (ElementRow const &r : c.elements)
+            compile(r.value);
+        for (AttributeRow const &a : c.attributes)
+            compile(a.value);
+        compile(c.simpleContent);
+    }
     // Published last: a factory that finds the set finds it whole.
     g_sets[static_cast<std::size_t>(data->slot)].store(data.get(), std::memory_order_release);
     return data;
@@ -719,6 +746,28 @@ ClassDef const &CDynamicObject::GetClass() const
     return m_set->model.classes[static_cast<std::size_t>(m_class)];
 }
 
+namespace
+{
+// The facet check of a string with a pattern, as the run-time's check makes
+// it, but with the pattern compiled when the set loaded.
+void CheckCompiledPattern(char const *name, MxVariant const &value, Dynamic::SetData::Pattern const &pattern)
+{
+    CheckPrimitiveFacets(name, value, ItemType_string, pattern.otherFacets);
+    std::string const text = value.GetString();
+    bool matches;
+    try
+    {
+        matches = pattern.compiled->Matches(text);
+    }
+    catch (CMxException const &e)
+    {
+        throw CMxException(FormatString("%s\nInvalid Value for %s [%s].", e.GetMessage().c_str(), name, text.c_str()));
+    }
+    if (!matches)
+        throw CMxException(FormatString("Invalid Value for %s [%s].", name, text.c_str()));
+}
+} // namespace
+
 void CDynamicObject::AccessProperty(int index, bool read, MxVariant &value)
 {
     if (index < 0 || static_cast<std::size_t>(index) >= m_cells.size())
@@ -735,7 +784,10 @@ void CDynamicObject::AccessProperty(int index, bool read, MxVariant &value)
                                                       !value.IsNil())
     {
         char const *name = GetClass().properties[static_cast<std::size_t>(index)].name.c_str();
-        if (type->variety == ValueType::Variety::Atomic && type->enumeration < 0)
+        auto const pattern = m_set->patterns.find(type);
+        if (pattern != m_set->patterns.end())
+            CheckCompiledPattern(name, value, pattern->second);
+        else if (type->variety == ValueType::Variety::Atomic && type->enumeration < 0)
             CheckPrimitiveFacets(name, value, type->itemType, type->facets);
         else
         {

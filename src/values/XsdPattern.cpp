@@ -25,16 +25,6 @@ void ReplaceAll(std::string &text, std::string_view from, std::string_view to)
         text.replace(at, from.size(), to);
 }
 
-struct PcreHolder
-{
-    pcre *compiled = nullptr;
-    ~PcreHolder()
-    {
-        // Compiled patterns come from PCRE's allocator, which is malloc.
-        std::free(compiled);
-    }
-};
-
 } // namespace
 
 std::string_view LocalToUtf8View(std::string const &local, std::string &converted)
@@ -78,26 +68,45 @@ std::string TranslateXsdPattern(std::string const &pattern)
 
 bool MatchesXsdPattern(std::string const &pattern, std::string const &value)
 {
+    return CXsdPattern(pattern).Matches(value);
+}
+
+CXsdPattern::CXsdPattern(std::string const &pattern) : m_compiled(nullptr), m_captures(0)
+{
     std::string const regex = "^(" + TranslateXsdPattern(pattern) + ")$";
     char const *error = nullptr;
     int errorOffset = 0;
-    PcreHolder holder;
-    holder.compiled = pcre_compile(regex.c_str(), PCRE_UTF8, &error, &errorOffset, nullptr);
-    if (holder.compiled == nullptr)
-        throw CMxException(
-            FormatString("Invalid Regular Expression: %s Error: '%s'", value.c_str(), error ? error : ""));
-    int captures = 0;
-    pcre_fullinfo(holder.compiled, nullptr, PCRE_INFO_CAPTURECOUNT, &captures);
+    pcre *compiled = pcre_compile(regex.c_str(), PCRE_UTF8, &error, &errorOffset, nullptr);
+    if (compiled == nullptr)
+    {
+        // The message names the value checked, so it is raised by Matches.
+        m_error = error ? error : "";
+        return;
+    }
+    pcre_fullinfo(compiled, nullptr, PCRE_INFO_CAPTURECOUNT, &m_captures);
+    m_compiled = compiled;
+}
+
+CXsdPattern::~CXsdPattern()
+{
+    // Compiled patterns come from PCRE's allocator, which is malloc.
+    std::free(m_compiled);
+}
+
+bool CXsdPattern::Matches(std::string const &value) const
+{
+    if (m_compiled == nullptr)
+        throw CMxException(FormatString("Invalid Regular Expression: %s Error: '%s'", value.c_str(), m_error.c_str()));
     // Most patterns have few groups: their offsets fit on the stack.
-    std::size_t const slots = static_cast<std::size_t>(captures + 1) * 3;
+    std::size_t const slots = static_cast<std::size_t>(m_captures + 1) * 3;
     int local[30];
     std::vector<int> heap(slots > 30 ? slots : 0);
     int *const offsets = slots > 30 ? heap.data() : local;
     std::string converted;
     std::string_view const subject = LocalToUtf8View(value, converted);
     int const length = static_cast<int>(subject.size());
-    int const rc = pcre_exec(holder.compiled, nullptr, subject.data(), length, 0, PCRE_ANCHORED, offsets,
-                             static_cast<int>(slots));
+    int const rc = pcre_exec(static_cast<pcre const *>(m_compiled), nullptr, subject.data(), length, 0, PCRE_ANCHORED,
+                             offsets, static_cast<int>(slots));
     return rc >= 1 && offsets[0] == 0 && offsets[1] == length;
 }
 

@@ -13,6 +13,26 @@ namespace MxXmlLib
 // "Invalid Regular Expression: <value> Error: '<reason>'".
 bool MatchesXsdPattern(std::string const &pattern, std::string const &value);
 
+// An XSD pattern (UTF-8) compiled once, for a caller that checks many values
+// against the same pattern. Matches answers as MatchesXsdPattern does, and
+// raises the same message when the pattern does not compile. Matching does
+// not change the object, so threads may share one.
+class CXsdPattern
+{
+public:
+    explicit CXsdPattern(std::string const &pattern);
+    ~CXsdPattern();
+    CXsdPattern(CXsdPattern const &) = delete;
+    CXsdPattern &operator=(CXsdPattern const &) = delete;
+
+    bool Matches(std::string const &value) const;
+
+private:
+    void *m_compiled; // the PCRE form; null when it did not compile
+    std::string m_error;
+    int m_captures;
+};
+
 // Local text as UTF-8, up to its first zero byte, as LocalToUtf8 gives it:
 // the text itself where it is its own UTF-8 form, else `converted`.
 std::string_view LocalToUtf8View(std::string const &local, std::string &converted);
