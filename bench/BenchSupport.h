@@ -4,6 +4,9 @@
 // the binding, JSON and Fast Infoset benchmarks read and write.
 
 #include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <ctime>
 #include <string>
 
@@ -12,6 +15,22 @@ namespace MxBench
 
 // This thread's CPU time in seconds: other work on a shared machine does not
 // count against the code measured.
+// A figure of /proc/self/status (VmRSS, VmHWM, ...), in bytes; 0 where there is none.
+inline std::size_t StatusBytes(char const *field)
+{
+    FILE *status = std::fopen("/proc/self/status", "r");
+    if (status == nullptr)
+        return 0;
+    char line[256];
+    std::size_t kb = 0;
+    std::size_t const length = std::strlen(field);
+    while (std::fgets(line, sizeof line, status))
+        if (std::strncmp(line, field, length) == 0 && line[length] == ':')
+            kb = std::strtoul(line + length + 1, nullptr, 10);
+    std::fclose(status);
+    return kb * 1024;
+}
+
 inline double CpuNow()
 {
     timespec ts{};

@@ -72,21 +72,7 @@ double Tree(std::string const &xml)
     return CpuNow() - start;
 }
 
-// A figure of /proc/self/status, in bytes.
-std::size_t StatusBytes(char const *field)
-{
-    FILE *status = std::fopen("/proc/self/status", "r");
-    if (status == nullptr)
-        return 0;
-    char line[256];
-    std::size_t kb = 0;
-    std::size_t const length = std::strlen(field);
-    while (std::fgets(line, sizeof line, status))
-        if (std::strncmp(line, field, length) == 0 && line[length] == ':')
-            kb = std::strtoul(line + length + 1, nullptr, 10);
-    std::fclose(status);
-    return kb * 1024;
-}
+using MxBench::StatusBytes;
 
 // The child of PeakRss: one read in a fresh heap. Prints the peak over the
 // document size, the text counted once.

@@ -33,20 +33,7 @@ namespace
 {
 using MxBench::CpuNow;
 
-std::size_t StatusBytes(char const *field)
-{
-    FILE *status = std::fopen("/proc/self/status", "r");
-    if (status == nullptr)
-        return 0;
-    char line[256];
-    std::size_t kb = 0;
-    std::size_t const length = std::strlen(field);
-    while (std::fgets(line, sizeof line, status))
-        if (std::strncmp(line, field, length) == 0 && line[length] == ':')
-            kb = std::strtoul(line + length + 1, nullptr, 10);
-    std::fclose(status);
-    return kb * 1024;
-}
+using MxBench::StatusBytes;
 
 // The resident set now, after the high-water mark is reset to it.
 std::size_t ResetPeak()
