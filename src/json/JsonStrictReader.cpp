@@ -122,6 +122,30 @@ private:
 
     std::size_t PushKey();
     void PopStep() { --m_steps; }
+    // A step for the items of an array, counted from 0 in the error path.
+    std::size_t PushItem()
+    {
+        if (m_steps == m_stepStore.size())
+            m_stepStore.emplace_back();
+        m_stepStore[m_steps].index = 0;
+        return m_steps++;
+    }
+    // After an item: true when another follows (the ',' is taken and the
+    // item's index counts on), false at the closing ']' (taken too).
+    bool NextItem(std::size_t item)
+    {
+        SkipSpace();
+        if (Peek() == ']')
+        {
+            ++m_p;
+            return false;
+        }
+        if (Peek() != ',')
+            Fail("Strict JSON: expected ',' or ']' in an array");
+        ++m_p;
+        ++m_stepStore[item].index;
+        return true;
+    }
     void ReadString(std::string &out);
     void ReadHex4(std::uint32_t &code);
     // A string, number or literal as the text it gives; false for anything else.
@@ -542,25 +566,14 @@ void CStrictReader::ReadChildKey(std::size_t member, std::size_t depth, bool &st
     SkipSpace();
     if (Peek() == ']')
         Fail("Strict JSON: an array of repeats cannot be empty");
-    if (m_steps == m_stepStore.size())
-        m_stepStore.emplace_back();
-    m_stepStore[m_steps].index = 0;
-    std::size_t const item = m_steps++;
+    std::size_t const item = PushItem();
     for (;;)
     {
         // The item is named by the key of the array.
         m_stepStore[item].key = m_stepStore[member].key;
         ReadElement(item, depth + 1);
-        SkipSpace();
-        if (Peek() == ']')
-        {
-            ++m_p;
+        if (!NextItem(item))
             break;
-        }
-        if (Peek() != ',')
-            Fail("Strict JSON: expected ',' or ']' in an array");
-        ++m_p;
-        ++m_stepStore[item].index;
     }
     PopStep();
 }
@@ -570,11 +583,8 @@ void CStrictReader::ReadSequence(std::size_t depth, bool &startOpen)
 {
     CloseStart(startOpen);
     Expect('[', "Strict JSON: \"#seq\" takes an array");
-    if (m_steps == m_stepStore.size())
-        m_stepStore.emplace_back();
-    m_stepStore[m_steps].index = 0;
-    m_stepStore[m_steps].key.clear();
-    std::size_t const item = m_steps++;
+    std::size_t const item = PushItem();
+    m_stepStore[item].key.clear();
     SkipSpace();
     if (Peek() == ']')
         Fail("Strict JSON: \"#seq\" cannot be empty");
@@ -605,16 +615,8 @@ void CStrictReader::ReadSequence(std::size_t depth, bool &startOpen)
         }
         PopStep();
         Expect('}', "Strict JSON: an entry of \"#seq\" is an object with one key");
-        SkipSpace();
-        if (Peek() == ']')
-        {
-            ++m_p;
+        if (!NextItem(item))
             break;
-        }
-        if (Peek() != ',')
-            Fail("Strict JSON: expected ',' or ']' in an array");
-        ++m_p;
-        ++m_stepStore[item].index;
     }
     PopStep();
 }
