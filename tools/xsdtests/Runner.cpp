@@ -58,6 +58,11 @@ constexpr unsigned kGroupSeconds = 120;
 std::string Family(std::string const &message)
 {
     std::string line = message.substr(0, message.find('\n'));
+    // This message quotes the value checked without brackets: it goes too.
+    std::string const regex = "Invalid Regular Expression: ";
+    std::size_t const error = line.find(" Error: ");
+    if (line.rfind(regex, 0) == 0 && error != std::string::npos)
+        line = regex + "[]" + line.substr(error);
     std::string out;
     for (std::size_t i = 0; i < line.size(); ++i)
     {
