@@ -1,4 +1,5 @@
 #include "frontend/XsdFrontend.h"
+#include "frontend/XsdRegex.h"
 
 #include <xercesc/dom/DOMException.hpp>
 #include <xercesc/framework/XMLGrammarPoolImpl.hpp>
@@ -158,6 +159,11 @@ Builtin const *FindBuiltin(std::string const &name)
 bool IsXsd(XSTypeDefinition *type, char const *name)
 {
     return Utf8(type->getNamespace()) == kXsdNamespace && Utf8(type->getName()) == name;
+}
+
+bool IsBuiltIn(XSTypeDefinition *type)
+{
+    return Utf8(type->getNamespace()) == kXsdNamespace;
 }
 
 std::string Identifier(std::string const &text)
@@ -866,6 +872,51 @@ private:
         return WhitespaceRule::Collapse;
     }
 
+    // Every step of a derivation chain that has patterns adds one that the
+    // value must match as well; the steps of a chain become one PCRE pattern.
+    // Xerces hands a step's pattern cut at every '|' (also inside a
+    // character class or after a backslash); joined again, the pieces are
+    // the schema's own text, or alternatives of one step, which XSD joins
+    // with '|' as well. A type that adds no pattern of its own repeats its
+    // base's, which is taken once.
+    static std::string PatternOf(ValueType const &v, XSSimpleTypeDefinition *type)
+    {
+        std::vector<std::string> steps;
+        // The built-in types' own patterns (integer's, for one) restate what
+        // their value parsers check, so the walk stops at them.
+        for (XSSimpleTypeDefinition *t = type; t != nullptr && !IsBuiltIn(t);)
+        {
+            StringList *patterns = t->getLexicalPattern();
+            if ((t->getDefinedFacets() & XSSimpleTypeDefinition::FACET_PATTERN) && patterns != nullptr &&
+                patterns->size() > 0)
+            {
+                std::string step;
+                for (XMLSize_t i = 0; i < patterns->size(); ++i)
+                    step += (i ? "|" : "") + Utf8(patterns->elementAt(i));
+                if (steps.empty() || steps.back() != step)
+                    steps.push_back(step);
+            }
+            XSTypeDefinition *base = t->getBaseType();
+            if (base == nullptr || base == t || base->getTypeCategory() != XSTypeDefinition::SIMPLE_TYPE)
+                break;
+            t = static_cast<XSSimpleTypeDefinition *>(base);
+        }
+        std::vector<std::string> pcre;
+        for (auto step = steps.rbegin(); step != steps.rend(); ++step)
+        {
+            try
+            {
+                pcre.push_back(XsdRegexToPcre(*step));
+            }
+            catch (std::invalid_argument const &e)
+            {
+                throw CSchemaError("the pattern " + *step + " of simple type " + v.name + " cannot be read: " +
+                                   e.what());
+            }
+        }
+        return AllOfPcre(pcre);
+    }
+
     static void AddFacets(ValueType &v, XSSimpleTypeDefinition *type)
     {
         auto text = [type](XSSimpleTypeDefinition::FACET f) {
@@ -897,16 +948,7 @@ private:
         f.maxInclusive = text(XSSimpleTypeDefinition::FACET_MAXINCLUSIVE);
         f.minExclusive = text(XSSimpleTypeDefinition::FACET_MINEXCLUSIVE);
         f.maxExclusive = text(XSSimpleTypeDefinition::FACET_MAXEXCLUSIVE);
-        if (type->getDefinedFacets() & XSSimpleTypeDefinition::FACET_PATTERN)
-        {
-            StringList *patterns = type->getLexicalPattern();
-            // Xerces hands the pattern cut at every '|' (also inside a
-            // character class or after a backslash); joined again, the pieces
-            // are the schema's own text, or alternatives of one step, which
-            // XSD joins with '|' as well.
-            for (XMLSize_t i = 0; patterns != nullptr && i < patterns->size(); ++i)
-                f.pattern += (i ? "|" : "") + Utf8(patterns->elementAt(i));
-        }
+        f.pattern = PatternOf(v, type);
     }
 
     int EnumerationFor(XSSimpleTypeDefinition *type, std::string const &name, StringList *values,
