@@ -917,6 +917,68 @@ private:
         return AllOfPcre(pcre);
     }
 
+    // The run-time counts a minus sign among the digits of a signed integer,
+    // so -99 would break totalDigits 2. For these types the facet is
+    // written as the bounds it amounts to, which leave the sign alone; where
+    // those bounds lie outside the type's range, the range is the tighter
+    // limit and the facet says nothing more.
+    static void TotalDigitsAsBounds(ValueType &v)
+    {
+        MxXmlLib::CPrimitiveRestrictions &f = v.facets;
+        int maxDigits;
+        switch (v.itemType)
+        {
+        case MxXmlLib::ItemType_i1:
+            maxDigits = 2;
+            break;
+        case MxXmlLib::ItemType_i2:
+            maxDigits = 4;
+            break;
+        case MxXmlLib::ItemType_i4:
+            maxDigits = 9;
+            break;
+        case MxXmlLib::ItemType_i8:
+            maxDigits = 18;
+            break;
+        case MxXmlLib::ItemType_integer:
+            maxDigits = INT_MAX;
+            break;
+        default:
+            return;
+        }
+        int const digits = f.totalDigits;
+        if (digits <= 0)
+            return;
+        f.totalDigits = -1;
+        if (digits > maxDigits)
+            return;
+        std::string const nines(static_cast<std::size_t>(digits), '9');
+        if (f.maxInclusive.empty() || CompareIntegers(nines, f.maxInclusive) < 0)
+            f.maxInclusive = nines;
+        if (f.minInclusive.empty() || CompareIntegers("-" + nines, f.minInclusive) > 0)
+            f.minInclusive = "-" + nines;
+    }
+
+    // Orders two integers in XSD's lexical form (sign, leading zeros).
+    static int CompareIntegers(std::string a, std::string b)
+    {
+        auto split = [](std::string &t) {
+            std::size_t from = t.find_first_not_of(" \t\r\n");
+            std::size_t const to = t.find_last_not_of(" \t\r\n");
+            t = from == std::string::npos ? std::string() : t.substr(from, to - from + 1);
+            bool negative = !t.empty() && t[0] == '-';
+            if (!t.empty() && (t[0] == '-' || t[0] == '+'))
+                t.erase(0, 1);
+            t.erase(0, std::min(t.find_first_not_of('0'), t.size()));
+            return negative && !t.empty();
+        };
+        bool const negativeA = split(a), negativeB = split(b);
+        if (negativeA != negativeB)
+            return negativeA ? -1 : 1;
+        int magnitude = a.size() != b.size() ? (a.size() < b.size() ? -1 : 1) : a.compare(b) < 0 ? -1 : a == b ? 0 : 1;
+        return negativeA ? -magnitude : magnitude;
+    }
+
     static void AddFacets(ValueType &v, XSSimpleTypeDefinition *type)
     {
         auto text = [type](XSSimpleTypeDefinition::FACET f) {
@@ -949,6 +1011,7 @@ private:
         f.minExclusive = text(XSSimpleTypeDefinition::FACET_MINEXCLUSIVE);
         f.maxExclusive = text(XSSimpleTypeDefinition::FACET_MAXEXCLUSIVE);
         f.pattern = PatternOf(v, type);
+        TotalDigitsAsBounds(v);
     }
 
     int EnumerationFor(XSSimpleTypeDefinition *type, std::string const &name, StringList *values,

@@ -89,6 +89,18 @@ constexpr ConstructCase kConstructs[] = {
      "<xs:sequence><xs:element name='b' type='xs:string'/></xs:sequence></xs:complexType></xs:element>"
      "</xs:sequence></xs:complexType></xs:element>",
      "<r xmlns='urn:c'><m>x<b>y</b></m></r>", "<AA:r xmlns:AA=\"urn:c\"><AA:m><AA:b>y</AA:b>x</AA:m></AA:r>"},
+    {"facets counted and matched as XSD says",
+     "<xs:simpleType name='Two'><xs:restriction base='xs:negativeInteger'><xs:totalDigits value='2'/>"
+     "</xs:restriction></xs:simpleType><xs:simpleType name='Code'><xs:restriction base='xs:string'>"
+     "<xs:pattern value='\\d+'/></xs:restriction></xs:simpleType><xs:simpleType name='Short'>"
+     "<xs:restriction base='c:Code'><xs:pattern value='.{2}'/></xs:restriction></xs:simpleType>"
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='n' type='c:Two'/>"
+     "<xs:element name='b'><xs:simpleType><xs:restriction base='xs:byte'><xs:totalDigits value='3'/>"
+     "</xs:restriction></xs:simpleType></xs:element><xs:element name='s' type='c:Short'/>"
+     "<xs:element name='t'><xs:simpleType><xs:restriction base='xs:string'><xs:pattern value='^[\\i-[:]].$'/>"
+     "</xs:restriction></xs:simpleType></xs:element></xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:c'><n>-99</n><b>-128</b><s>\u0661\u0662</s><t>^a.$</t></r>",
+     "<AA:r xmlns:AA=\"urn:c\"><AA:n>-99</AA:n><AA:b>-128</AA:b><AA:s>\u0661\u0662</AA:s><AA:t>^a.$</AA:t></AA:r>"},
     {"recursive type and element reference",
      "<xs:element name='node' type='c:Node'/><xs:complexType name='Node'><xs:sequence>"
      "<xs:element ref='c:node' minOccurs='0' maxOccurs='unbounded'/></xs:sequence>"
