@@ -1025,9 +1025,9 @@ CXmlObjectBase *CDynamicObject::GetObject(std::string const &property) const
 // ---------------------------------------------------------------------------
 // Sets
 
-CSchemaSet CSchemaSet::Load(std::vector<std::string> const &files)
+CSchemaSet CSchemaSet::Load(std::vector<std::string> const &files, SchemaLocations const &locations)
 {
-    return FromModel(LoadSchemaModel(files));
+    return FromModel(LoadSchemaModel(files, locations));
 }
 
 CSchemaSet CSchemaSet::FromModel(Model model)

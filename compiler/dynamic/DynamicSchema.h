@@ -11,6 +11,7 @@
 // to its rows names that number. Two sets loaded at once never see each
 // other's classes. A set stays alive while any object made from it does.
 
+#include "frontend/XsdFrontend.h"
 #include "model/SchemaModel.h"
 
 #include "MxXmlLib.h"
@@ -85,8 +86,9 @@ private:
 class CSchemaSet
 {
 public:
-    // Loads the schema files and builds every class. Raises CSchemaError.
-    static CSchemaSet Load(std::vector<std::string> const &files);
+    // Loads the schema files and builds every class; `locations` maps schema
+    // locations on the network to local copies. Raises CSchemaError.
+    static CSchemaSet Load(std::vector<std::string> const &files, SchemaLocations const &locations = {});
     // Builds the classes of a model made elsewhere. Raises CSchemaError when
     // the process has no room left for its numbers.
     static CSchemaSet FromModel(Model model);

@@ -2,6 +2,7 @@
 #include "frontend/XsdRegex.h"
 
 #include <xercesc/dom/DOMException.hpp>
+#include <xercesc/framework/LocalFileInputSource.hpp>
 #include <xercesc/framework/XMLGrammarPoolImpl.hpp>
 #include <xercesc/framework/psvi/XSAttributeDeclaration.hpp>
 #include <xercesc/framework/psvi/XSAttributeUse.hpp>
@@ -83,17 +84,33 @@ private:
 };
 
 // Schemas are local files: a location on the network is refused instead of
-// fetched, so that loading never waits on a remote host.
+// fetched, so that loading never waits on a remote host, unless the caller
+// names a local copy for it.
 class LocalOnlyResolver : public EntityResolver
 {
 public:
+    explicit LocalOnlyResolver(SchemaLocations const &locations) : m_locations(locations) {}
+
     InputSource *resolveEntity(XMLCh const *, XMLCh const *systemId) override
     {
         std::string const system = Utf8(systemId);
+        auto const local = m_locations.find(system);
+        if (local != m_locations.end())
+        {
+            if (!std::ifstream(local->second).good())
+                throw CSchemaError(local->second + " (the local copy of " + system + "): " + std::strerror(errno));
+            XMLCh *path = XMLString::transcode(local->second.c_str());
+            auto *source = new LocalFileInputSource(path);
+            XMLString::release(&path);
+            return source;
+        }
         if (system.rfind("http:", 0) == 0 || system.rfind("https:", 0) == 0 || system.rfind("ftp:", 0) == 0)
             throw CSchemaError("the schema location " + system + " is on the network; only local files are read");
         return nullptr;
     }
+
+private:
+    SchemaLocations const &m_locations;
 };
 
 struct Builtin
@@ -1055,7 +1072,7 @@ void CheckReadable(std::string const &file)
 }
 } // namespace
 
-Model LoadSchemaModel(std::vector<std::string> const &files)
+Model LoadSchemaModel(std::vector<std::string> const &files, SchemaLocations const &locations)
 {
     if (files.empty())
         throw CSchemaError("no schema file given");
@@ -1071,7 +1088,7 @@ Model LoadSchemaModel(std::vector<std::string> const &files)
     parser->setFeature(XMLUni::fgXercesHandleMultipleImports, true);
     parser->setFeature(XMLUni::fgXercesCacheGrammarFromParse, true);
     CollectingErrorHandler errors;
-    LocalOnlyResolver resolver;
+    LocalOnlyResolver resolver(locations);
     parser->setErrorHandler(&errors);
     parser->setEntityResolver(&resolver);
     for (std::string const &file : files)

@@ -5,6 +5,7 @@
 
 #include "model/SchemaModel.h"
 
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -21,8 +22,13 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// Schema locations as schemas write them (a URL, most often), each with the
+// local file to read instead: an offline copy of a schema on the network.
+using SchemaLocations = std::map<std::string, std::string>;
+
 // Loads the files (XSD; includes and imports are followed, network locations
-// refused) and builds the model. Raises CSchemaError.
-Model LoadSchemaModel(std::vector<std::string> const &files);
+// refused unless `locations` maps them to a local file) and builds the
+// model. Raises CSchemaError.
+Model LoadSchemaModel(std::vector<std::string> const &files, SchemaLocations const &locations = {});
 
 } // namespace MxCompiler

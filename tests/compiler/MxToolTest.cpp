@@ -27,7 +27,9 @@ std::string const kUsage =
     "       mx generate --schema S.xsd [--schema S.xsd]... --out DIR [--namespace URI=cpp::ns]...\n"
     "IN and OUT may be - for standard input and output. The input's format and\n"
     "compression are detected; the output's format comes from --to or OUT's\n"
-    "extension (.xml, .json, .fi, .finf, each maybe followed by .gz).\n";
+    "extension (.xml, .json, .fi, .finf, each maybe followed by .gz).\n"
+    "--location URI=FILE (any command with --schema) reads FILE wherever a schema\n"
+    "imports or includes URI; other locations on the network are refused.\n";
 
 struct ToolCase
 {
@@ -43,6 +45,11 @@ TEST(MxTool, StatusAndMessages)
 {
     std::string const dir = TempDir();
     std::string const bad = WriteTemp("bad-order.xml", "<purchaseOrder xmlns='urn:example:po'/>");
+    std::string const importer =
+        WriteTemp("importer.xsd", "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' xmlns:o='urn:example:po'>"
+                                  "<xs:import namespace='urn:example:po' schemaLocation='http://example.org/po.xsd'/>"
+                                  "</xs:schema>");
+    std::string const mapped = "http://example.org/po.xsd=" + kSchema;
     std::vector<ToolCase> const cases = {
         {"no arguments", {}, "", 2, "", kUsage},
         {"help", {"--help"}, "", 0, kUsage, ""},
@@ -60,6 +67,13 @@ TEST(MxTool, StatusAndMessages)
          bad + ": Failed to process the element.\nPath: /purchaseOrder\nFailed to find the required Attribute [orderDate].\n" +
              dir + "/none.xml: No such file or directory\n" + kOrder + ": ok\n",
          ""},
+        {"a network location is refused", {"check", "--schema", importer, kOrder}, "", 1, "",
+         "mx: schema: the schema location http://example.org/po.xsd is on the network; only local files are read\n"},
+        {"a network location read from its local copy", {"check", "--schema", importer, "--location", mapped, kOrder},
+         "", 0, kOrder + ": ok\n", ""},
+        {"a local copy that is missing",
+         {"check", "--schema", importer, "--location", "http://example.org/po.xsd=" + dir + "/none.xsd", kOrder}, "", 1,
+         "", "mx: schema: " + dir + "/none.xsd (the local copy of http://example.org/po.xsd): No such file or directory\n"},
         {"root not declared", {"convert", "--schema", kSchema, "-", "-"}, "<order xmlns='urn:example:po'/>", 1, "",
          "mx: The element [{urn:example:po}order] is not declared by the schema\n"},
         {"untyped, stdin to stdout", {"convert", "-", "-"}, "<a x='1'><b>t</b></a>", 0,

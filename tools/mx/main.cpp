@@ -35,7 +35,9 @@ constexpr char const *kUsage =
     "       mx generate --schema S.xsd [--schema S.xsd]... --out DIR [--namespace URI=cpp::ns]...\n"
     "IN and OUT may be - for standard input and output. The input's format and\n"
     "compression are detected; the output's format comes from --to or OUT's\n"
-    "extension (.xml, .json, .fi, .finf, each maybe followed by .gz).\n";
+    "extension (.xml, .json, .fi, .finf, each maybe followed by .gz).\n"
+    "--location URI=FILE (any command with --schema) reads FILE wherever a schema\n"
+    "imports or includes URI; other locations on the network are refused.\n";
 
 // A failure whose message is the whole story: printed as it is, exit 1.
 struct Failure : std::runtime_error
@@ -107,6 +109,7 @@ struct Options
     std::string to;
     std::string out;
     std::map<std::string, std::string> namespaces;
+    MxCompiler::SchemaLocations locations;
     CompressionType compression = CompressionNone;
     bool jsonCompat = false;
 };
@@ -125,7 +128,7 @@ Options Parse(std::vector<std::string> const &args, bool allowFormat)
                 throw Usage("unknown option --to");
             (a == "--schema" ? o.schemas.emplace_back() : o.to) = args[++i];
         }
-        else if (a == "--out" || a == "--namespace")
+        else if (a == "--out" || a == "--namespace" || a == "--location")
         {
             if (i + 1 >= args.size())
                 throw Usage(a + " needs a value");
@@ -136,8 +139,8 @@ Options Parse(std::vector<std::string> const &args, bool allowFormat)
             {
                 std::size_t const eq = value.find('=');
                 if (eq == std::string::npos || eq + 1 == value.size())
-                    throw Usage("--namespace takes URI=cpp::namespace");
-                o.namespaces[value.substr(0, eq)] = value.substr(eq + 1);
+                    throw Usage(a == "--namespace" ? "--namespace takes URI=cpp::namespace" : "--location takes URI=FILE");
+                (a == "--namespace" ? o.namespaces : o.locations)[value.substr(0, eq)] = value.substr(eq + 1);
             }
         }
         else if (allowFormat && a == "--gzip")
@@ -201,7 +204,7 @@ int Convert(std::vector<std::string> const &args)
         object = MxCompiler::ReadUntyped(bytes, context);
     else
     {
-        set = std::make_unique<CSchemaSet>(CSchemaSet::Load(o.schemas));
+        set = std::make_unique<CSchemaSet>(CSchemaSet::Load(o.schemas, o.locations));
         object = set->Read(bytes, context);
     }
     CBinaryData output;
@@ -222,7 +225,7 @@ int Check(std::vector<std::string> const &args)
         throw Usage("check needs --schema");
     if (o.files.empty())
         throw Usage("check needs at least one document");
-    CSchemaSet const set = CSchemaSet::Load(o.schemas);
+    CSchemaSet const set = CSchemaSet::Load(o.schemas, o.locations);
     int status = 0;
     for (std::string const &file : o.files)
     {
@@ -254,7 +257,7 @@ int Describe(std::vector<std::string> const &args)
     Options o = Parse(args, false);
     if (o.schemas.empty() || !o.files.empty())
         throw Usage("describe takes --schema files only");
-    std::cout << MxCompiler::Describe(MxCompiler::LoadSchemaModel(o.schemas));
+    std::cout << MxCompiler::Describe(MxCompiler::LoadSchemaModel(o.schemas, o.locations));
     return 0;
 }
 
@@ -280,7 +283,7 @@ int Generate(std::vector<std::string> const &args)
     options.namespaces = o.namespaces;
     for (std::string const &schema : o.schemas)
         options.schemaNames.push_back(schema.substr(schema.find_last_of('/') + 1));
-    for (MxCompiler::GeneratedFile const &file : MxCompiler::GenerateCpp(MxCompiler::LoadSchemaModel(o.schemas), options))
+    for (MxCompiler::GeneratedFile const &file : MxCompiler::GenerateCpp(MxCompiler::LoadSchemaModel(o.schemas, o.locations), options))
     {
         std::string const path = o.out + "/" + file.name;
         std::string const old = [&path] {

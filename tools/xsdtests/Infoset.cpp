@@ -1,5 +1,6 @@
 #include "Infoset.h"
 
+#include <xercesc/framework/LocalFileInputSource.hpp>
 #include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/framework/XMLGrammarPoolImpl.hpp>
 #include <xercesc/framework/psvi/PSVIAttributeList.hpp>
@@ -9,6 +10,7 @@
 #include <xercesc/framework/psvi/XSSimpleTypeDefinition.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/sax2/Attributes.hpp>
+#include <xercesc/sax/EntityResolver.hpp>
 #include <xercesc/sax2/DefaultHandler.hpp>
 #include <xercesc/parsers/SAX2XMLReaderImpl.hpp>
 #include <xercesc/sax2/XMLReaderFactory.hpp>
@@ -344,14 +346,38 @@ std::string CompareAt(Node const &e, Node const &a, std::string const &path)
 }
 } // namespace
 
+// Imports from the network come from their local copies; any other is
+// left to Xerces, which reads local files.
+class MappedResolver : public EntityResolver
+{
+public:
+    explicit MappedResolver(std::map<std::string, std::string> locations) : m_locations(std::move(locations)) {}
+    InputSource *resolveEntity(XMLCh const *, XMLCh const *systemId) override
+    {
+        auto const local = m_locations.find(Utf8(systemId));
+        if (local == m_locations.end())
+            return nullptr;
+        XMLCh *path = XMLString::transcode(local->second.c_str());
+        auto *source = new LocalFileInputSource(path);
+        XMLString::release(&path);
+        return source;
+    }
+
+private:
+    std::map<std::string, std::string> m_locations;
+};
+
 struct Validator::Impl
 {
+    explicit Impl(std::map<std::string, std::string> const &locations) : resolver(locations) {}
+    MappedResolver resolver;
     std::unique_ptr<XMLGrammarPool> pool;
     std::unique_ptr<SAX2XMLReaderImpl> reader;
     Collector collector;
 };
 
-Validator::Validator(std::vector<std::string> const &schemas) : m_impl(std::make_unique<Impl>())
+Validator::Validator(std::vector<std::string> const &schemas, std::map<std::string, std::string> const &locations)
+    : m_impl(std::make_unique<Impl>(locations))
 {
     MemoryManager *memory = XMLPlatformUtils::fgMemoryManager;
     m_impl->pool = std::make_unique<XMLGrammarPoolImpl>(memory);
@@ -367,6 +393,7 @@ Validator::Validator(std::vector<std::string> const &schemas) : m_impl(std::make
     r.setFeature(XMLUni::fgXercesUseCachedGrammarInParse, true);
     r.setFeature(XMLUni::fgXercesLoadSchema, false);
     r.setFeature(XMLUni::fgXercesLoadExternalDTD, false);
+    r.setEntityResolver(&m_impl->resolver);
     r.setContentHandler(&m_impl->collector);
     r.setErrorHandler(&m_impl->collector);
     r.setPSVIHandler(&m_impl->collector);

@@ -33,7 +33,8 @@ class Validator
 public:
     // Loads the schema documents into a grammar pool. Raises std::runtime_error
     // with Xerces' first message.
-    explicit Validator(std::vector<std::string> const &schemas);
+    // `locations` maps schema locations on the network to local files.
+    Validator(std::vector<std::string> const &schemas, std::map<std::string, std::string> const &locations);
     ~Validator();
     Validator(Validator const &) = delete;
     Validator &operator=(Validator const &) = delete;
