@@ -946,6 +946,15 @@ void CDynamicObject::Reset(bool makeMandatoryChildren)
 
 namespace
 {
+std::vector<std::string> QNameItems(std::vector<std::string> const &texts)
+{
+    std::vector<std::string> items;
+    for (std::string const &text : texts)
+        for (std::string &item : Dynamic::Items(CWhitespaceUtils::ApplyRule(WhitespaceRule::Collapse, text)))
+            items.push_back(std::move(item));
+    return items;
+}
+
 bool HoldsQName(ValueType const &type)
 {
     if (type.qname)
@@ -964,13 +973,20 @@ CXmlElement *CDynamicObject::FromXml_Int(CXmlElement *element, CXmlElement *curs
     m_prefixes.clear();
     if (element == nullptr || element->GetDocument() == nullptr)
         return next;
+    ClassDef const &c = GetClass();
     for (std::size_t i = 0; i < m_cells.size(); ++i)
     {
+        // The texts of a QName cell, or of a repeated QName element.
+        std::vector<std::string> texts;
+        Property const &p = c.properties[i];
         ValueType const *type = FacetedValue(static_cast<int>(i));
-        if (type == nullptr || !HoldsQName(*type) || m_cells[i].GetTypeAsEnum() != ItemType_string)
-            continue;
-        std::string const text = CWhitespaceUtils::ApplyRule(WhitespaceRule::Collapse, m_cells[i].GetString());
-        for (std::string const &item : Dynamic::Items(text))
+        if (type != nullptr && HoldsQName(*type) && m_cells[i].GetTypeAsEnum() == ItemType_string)
+            texts.push_back(m_cells[i].GetString());
+        else if (p.holds == Property::Holds::ValueCol && HoldsQName(c.elements[static_cast<std::size_t>(p.row)].value) &&
+                 m_cells[i].GetTypeAsEnum() == ItemType_XmlObject)
+            if (auto const *col = dynamic_cast<CstringCol const *>(m_cells[i].GetXmlObject().Get()))
+                texts.assign(col->begin(), col->end());
+        for (std::string const &item : QNameItems(texts))
         {
             std::size_t const colon = item.find(':');
             if (colon == std::string::npos)
@@ -984,13 +1000,57 @@ CXmlElement *CDynamicObject::FromXml_Int(CXmlElement *element, CXmlElement *curs
     return next;
 }
 
+void CDynamicObject::ToXml_Int(CXmlWriter *writer, bool isRoot, char const *namespaceUri,
+                               CSerializationContext const &context, bool optionalChoice) const
+{
+    if (isRoot)
+    {
+        // Depth first over the objects of the document, without recursion:
+        // documents nest as deep as their readers allow.
+        std::vector<std::pair<std::string, std::string>> declared;
+        std::vector<CXmlObjectBase const *> pending{this};
+        while (!pending.empty())
+        {
+            CXmlObjectBase const *object = pending.back();
+            pending.pop_back();
+            if (auto const *col = dynamic_cast<CObjectCol const *>(object))
+            {
+                for (int i = col->GetCount() - 1; i >= 0; --i)
+                    pending.push_back(col->GetAt(i));
+                continue;
+            }
+            auto const *dynamic = dynamic_cast<CDynamicObject const *>(object);
+            if (dynamic == nullptr)
+                continue;
+            // A prefix bound to two namespaces in two places is declared
+            // where the first stands; the other is declared on its element.
+            for (auto const &binding : dynamic->m_prefixes)
+                if (std::none_of(declared.begin(), declared.end(),
+                                 [&](auto const &d) { return d.first == binding.first; }))
+                    declared.push_back(binding);
+            for (auto cell = dynamic->m_cells.rbegin(); cell != dynamic->m_cells.rend(); ++cell)
+                if (cell->GetTypeAsEnum() == ItemType_XmlObject && !cell->GetXmlObject().IsNull())
+                    pending.push_back(cell->GetXmlObject().Get());
+        }
+        for (auto const &[prefix, uri] : declared)
+            writer->AddNamespace(prefix, uri);
+    }
+    CXmlGeneratedClass::ToXml_Int(writer, isRoot, namespaceUri, context, optionalChoice);
+}
+
 void CDynamicObject::AttributesToXml_Int(CXmlWriter *writer, CSerializationContext const &context) const
 {
     // The writer declares a prefix only where a name uses it; a prefix in a
-    // value is declared by hand, and entered in the scope so that the writer
-    // does not take it for another namespace.
+    // value that the root has not declared is declared here by hand, and
+    // entered in the scope so that the writer does not take it for another
+    // namespace. A Fast Infoset writer has no context yet while it holds
+    // the root's start: the root's own prefixes were all declared.
+    CXmlWriter::CXmlWriterContext const *scope = writer->GetCurrentContext();
     for (auto const &[prefix, uri] : m_prefixes)
     {
+        std::string const *known = scope ? scope->FindPrefix(uri) : nullptr;
+        if (scope == nullptr || (known != nullptr && *known == prefix))
+            continue;
         writer->AddNamespace(prefix, uri);
         writer->WriteAttribute("xmlns:" + prefix, std::string(), uri, ItemType_string);
     }

@@ -215,4 +215,50 @@ TEST_F(DynamicSchemaTest, UndeclaredRootIsNamed)
     }
 }
 
+// A QName value's prefix is declared on the root, where Fast Infoset can
+// carry it too: each format reads back to the same XML.
+TEST_F(DynamicSchemaTest, QNamePrefixesTravelInEveryFormat)
+{
+    std::string const schema =
+        WriteTemp("qnames.xsd", "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' targetNamespace='urn:q' "
+                                "elementFormDefault='qualified'><xs:element name='q' type='xs:QName'/>"
+                                "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='a' "
+                                "type='xs:QName' maxOccurs='2'/><xs:element name='c'><xs:complexType><xs:sequence>"
+                                "<xs:element name='b' type='xs:QName'/></xs:sequence></xs:complexType></xs:element>"
+                                "</xs:sequence></xs:complexType></xs:element></xs:schema>");
+    struct
+    {
+        char const *document;
+        char const *xml;
+    } const cases[] = {
+        {"<q xmlns='urn:q' xmlns:p='urn:p'>p:x</q>", "<AA:q xmlns:AA=\"urn:q\" xmlns:p=\"urn:p\">p:x</AA:q>"},
+        {"<r xmlns='urn:q' xmlns:p='urn:p' xmlns:s='urn:s'><a>p:x</a><c><b>s:y</b></c></r>",
+         "<AA:r xmlns:AA=\"urn:q\" xmlns:p=\"urn:p\" xmlns:s=\"urn:s\"><AA:a>p:x</AA:a><AA:c><AA:b>s:y</AA:b></AA:c>"
+         "</AA:r>"},
+    };
+    CSchemaSet const set = CSchemaSet::Load({schema});
+    CSerializationContext const &context = CSerializationContext::GetDefaultContext();
+    for (auto const &c : cases)
+    {
+        SCOPED_TRACE(c.document);
+        try
+        {
+            CSmartPtr<CXmlObjectBase> object = set.Read(Bytes(c.document), context);
+            std::string const xml = object->ToXml(false, false, LF, context);
+            EXPECT_EQ(c.xml, xml);
+            EXPECT_EQ("", XercesValidate({schema}, xml));
+            EXPECT_EQ(xml, set.Read(object->ToFastInfosetStream(FInfoDecl_None, context), context)
+                               ->ToXml(false, false, LF, context));
+            CSerializationContext json;
+            json.GetJsonContext().SetSupportRoundtrip(RoundTripFull);
+            json.GetJsonContext().SetStrict(true);
+            EXPECT_EQ(xml, set.Read(Bytes(object->ToJson(false, LF, json)), json)->ToXml(false, false, LF, context));
+        }
+        catch (CMxException const &e)
+        {
+            ADD_FAILURE() << e.GetFullMessage();
+        }
+    }
+}
+
 } // namespace
