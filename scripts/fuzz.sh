@@ -16,7 +16,7 @@ mkdir -p "$corpus"
 seeds="$root/fuzz/corpus/$target"
 [ -d "$seeds" ] && cp -n "$seeds"/* "$corpus"/ 2>/dev/null || true
 case $target in
-  document|untyped|stream_input|binding) dict=xml ;;
+  document|untyped|stream_input|binding|mx_convert) dict=xml ;;
   json) dict=json ;;
   fastinfoset) dict=fastinfoset ;;
   *) dict= ;;

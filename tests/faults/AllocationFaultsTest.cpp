@@ -212,6 +212,11 @@ TEST(AllocationFaults, EveryAllocationOfAWholeReadAndWriteInEachFormat)
     CSmartPtr<COrder> jsonModel(new COrder);
     jsonModel->FromXml(kJsonOrder, jsonContext);
     std::string const json = jsonModel->ToJson(false, LF, jsonContext);
+    // Strict JSON has a reader and a writer of its own.
+    CSerializationContext strictContext = jsonContext;
+    strictContext.GetJsonContext().SetStrict(true);
+    std::string const strict = jsonModel->ToJson(false, LF, strictContext);
+    ASSERT_NE(json, strict) << strict;
     std::string fi = Bytes(model->ToFastInfosetStream());
     std::string gzip = Bytes(model->ToXmlStream(false, false, XmlEncoding_UTF8, LF,
                                                 CSerializationContext::GetDefaultContext(), CompressionGZip));
@@ -278,6 +283,25 @@ TEST(AllocationFaults, EveryAllocationOfAWholeReadAndWriteInEachFormat)
         {"write XML", [&](CSmartPtr<COrder> &o) { return o->ToXml(true, true, LF); }, false, model},
         {"write JSON", [&](CSmartPtr<COrder> &o) { return o->ToJson(true, LF, jsonContext); }, false, jsonModel},
         {"write FI", [&](CSmartPtr<COrder> &o) { return Bytes(o->ToFastInfosetStream()); }, false, model},
+        {"read strict",
+         [&](CSmartPtr<COrder> &o) {
+             o->FromJson(strict.c_str(), strictContext);
+             return std::string();
+         },
+         true, model},
+        {"write strict", [&](CSmartPtr<COrder> &o) { return o->ToJson(true, LF, strictContext); }, false, jsonModel},
+        {"write JSON file",
+         [&](CSmartPtr<COrder> &o) {
+             o->ToJsonFile(outFile.c_str(), true, XmlEncoding_UTF8, LF, jsonContext);
+             return MxTestSupport::ReadFileBytes(outFile);
+         },
+         false, jsonModel},
+        {"write FI file",
+         [&](CSmartPtr<COrder> &o) {
+             o->ToFastInfosetFile(outFile.c_str());
+             return MxTestSupport::ReadFileBytes(outFile);
+         },
+         false, model},
         {"write gzip",
          [&](CSmartPtr<COrder> &o) {
              return Bytes(o->ToXmlStream(true, true, XmlEncoding_UTF16, LF, CSerializationContext::GetDefaultContext(),

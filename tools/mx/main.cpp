@@ -6,6 +6,7 @@
 //
 // Exit status: 0 success, 1 a document or schema failed, 2 usage.
 
+#include "Convert.h"
 #include "cpp/CppGenerator.h"
 #include "dynamic/DynamicSchema.h"
 #include "frontend/XsdFrontend.h"
@@ -195,26 +196,16 @@ int Convert(std::vector<std::string> const &args)
     std::string const format = OutputFormat(o, o.files[1]);
     std::vector<unsigned char> input = ReadAll(o.files[0]);
     CBinaryData bytes(input.data(), static_cast<unsigned long>(input.size()), false);
-    CSerializationContext context;
-    if (!o.jsonCompat)
-        UseStrictJson(context);
-    CSmartPtr<CXmlObjectBase> object;
     std::unique_ptr<CSchemaSet> set;
-    if (o.schemas.empty())
-        object = MxCompiler::ReadUntyped(bytes, context);
-    else
-    {
+    if (!o.schemas.empty())
         set = std::make_unique<CSchemaSet>(CSchemaSet::Load(o.schemas, o.locations));
-        object = set->Read(bytes, context);
-    }
-    CBinaryData output;
-    if (format == "xml")
-        output = object->ToXmlStream(true, true, XmlEncoding_UTF8, LF, context, o.compression);
-    else if (format == "json")
-        output = object->ToJsonStream(true, XmlEncoding_UTF8, LF, context, o.compression);
-    else
-        output = object->ToFastInfosetStream(FInfoDecl_None, context, o.compression);
-    WriteAll(o.files[1], output);
+    MxTool::ConvertOptions options;
+    options.format = format == "xml"    ? MxTool::OutputFormat::Xml
+                     : format == "json" ? MxTool::OutputFormat::Json
+                                        : MxTool::OutputFormat::FastInfoset;
+    options.compression = o.compression;
+    options.jsonCompat = o.jsonCompat;
+    WriteAll(o.files[1], MxTool::ConvertBytes(bytes, set.get(), options));
     return 0;
 }
 
