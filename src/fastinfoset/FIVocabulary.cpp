@@ -114,34 +114,35 @@ void CFIVocabulary::AddElement(std::string prefix, std::string namespaceName, st
     AddQName(prefix, namespaceName, localName, ElementNamesMap, ElementNamesTable);
 }
 
+void CFIVocabulary::AddString(std::string const &text, IndexMap &map, CFIStringTable &table)
+{
+    AddValueToMap(text, map);
+    AddValueToVector(text, table);
+}
+
 void CFIVocabulary::AddAttributeValue(std::string text)
 {
-    AddValueToMap(text, AttributeValuesMap);
-    AddValueToVector(text, AttributeValuesTable);
+    AddString(text, AttributeValuesMap, AttributeValuesTable);
 }
 
 void CFIVocabulary::AddElementValue(std::string text)
 {
-    AddValueToMap(text, CharacterChunksMap);
-    AddValueToVector(text, CharacterChunksTable);
+    AddString(text, CharacterChunksMap, CharacterChunksTable);
 }
 
 void CFIVocabulary::AddPrefixName(std::string text)
 {
-    AddValueToMap(text, PrefixNamesMap);
-    AddValueToVector(text, PrefixNamesTable);
+    AddString(text, PrefixNamesMap, PrefixNamesTable);
 }
 
 void CFIVocabulary::AddNamespaceName(std::string text)
 {
-    AddValueToMap(text, NamespaceNamesMap);
-    AddValueToVector(text, NamespaceNamesTable);
+    AddString(text, NamespaceNamesMap, NamespaceNamesTable);
 }
 
 void CFIVocabulary::AddLocalName(std::string text)
 {
-    AddValueToMap(text, LocalNamesMap);
-    AddValueToVector(text, LocalNamesTable);
+    AddString(text, LocalNamesMap, LocalNamesTable);
 }
 
 } // namespace MxXmlLib

@@ -116,6 +116,7 @@ private:
     // The new index is the map's size plus 1; a known key keeps its index.
     static void AddValueToMap(std::string const &key, IndexMap &map);
     static void AddValueToVector(std::string const &text, CFIStringTable &table);
+    static void AddString(std::string const &text, IndexMap &map, CFIStringTable &table);
     static void AddQNameToVector(std::uint32_t prefix, std::uint32_t namespaceName, std::uint32_t localName,
                                  CFIQNameTable &table);
     void AddQName(std::string const &prefix, std::string const &namespaceName, std::string const &localName,

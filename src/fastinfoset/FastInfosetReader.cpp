@@ -141,7 +141,7 @@ template <typename SkipItem> void CFastInfosetReader::SkipTable(SkipItem skipIte
 
 void CFastInfosetReader::SkipOctetStringBit2()
 {
-    Read(ReadOctetStringLengthBit2(ReadOctet()));
+    Read(ReadOctetStringLength(kLengthOnBit2, ReadOctet()));
 }
 
 void CFastInfosetReader::SkipAdditionalData()
@@ -160,7 +160,7 @@ void CFastInfosetReader::SkipInitialVocabulary()
     if (first & 0x10)
         SkipOctetStringBit2();
     auto strings = [this] { SkipTable([this] { SkipOctetStringBit2(); }); };
-    auto encoded = [this] { SkipTable([this] { ReadEncodedStringBit3(ReadOctet()); }); };
+    auto encoded = [this] { SkipTable([this] { ReadEncodedString(kStringOnBit3, ReadOctet()); }); };
     auto names = [this] {
         SkipTable([this] {
             unsigned char const parts = ReadOctet();
@@ -338,7 +338,7 @@ void CFastInfosetReader::ReadCharacterChunk(unsigned char first)
     else
     {
         AddToTable = (first & 0x10) != 0;
-        ReadEncodedStringBit5(first);
+        ReadEncodedString(kStringOnBit5, first);
         if (AddToTable)
             CFIVocabulary::AddValueToVector(Text, table);
     }
@@ -406,7 +406,7 @@ bool CFastInfosetReader::ReadIdentifyingString()
         IndexRead = ReadIntegerBit2(first);
         return false;
     }
-    std::uint64_t const length = ReadOctetStringLengthBit2(first);
+    std::uint64_t const length = ReadOctetStringLength(kLengthOnBit2, first);
     ReadUtf8(Read(length), length);
     return true;
 }
@@ -441,68 +441,34 @@ std::string const *CFastInfosetReader::ReadValueString(CFIVocabulary::CFIStringT
         return &Entry(*table, index);
     }
     AddToTable = (first & 0x40) != 0;
-    ReadEncodedStringBit3(first);
+    ReadEncodedString(kStringOnBit3, first);
     if (AddToTable && table)
         CFIVocabulary::AddValueToVector(Text, *table);
     return &Text;
 }
 
-void CFastInfosetReader::ReadEncodedStringBit3(unsigned char first)
+void CFastInfosetReader::ReadEncodedString(FIStringForm const &form, unsigned char first)
 {
-    switch ((first >> 4) & 0x03)
+    unsigned const kind = (first >> form.kindShift) & 0x03u;
+    if (kind < 2)
     {
-    case 0: {
-        std::uint64_t const length = ReadOctetStringLengthBit5(first);
-        ReadUtf8(Read(length), length);
-        return;
-    }
-    case 1: {
-        std::uint64_t const length = ReadOctetStringLengthBit5(first);
-        ReadUtf16(Read(length), length);
-        return;
-    }
-    default: {
-        bool const alphabet = ((first >> 4) & 0x03) == 2;
-        unsigned char const next = ReadOctet();
-        std::uint32_t const number = (((first & 0x0Fu) << 4) | (next >> 4)) + 1; // [1, 256]
-        std::uint64_t const length = ReadOctetStringLengthBit5(next);
-        unsigned char const *octets = Read(length);
-        if (alphabet)
-            ReadRestrictedAlphabet(octets, length, number);
+        std::uint64_t const length = ReadOctetStringLength(*form.length, first);
+        if (kind == 0)
+            ReadUtf8(Read(length), length);
         else
-            ReadEncodedValue(octets, length, number);
+            ReadUtf16(Read(length), length);
         return;
     }
-    }
-}
-
-void CFastInfosetReader::ReadEncodedStringBit5(unsigned char first)
-{
-    switch ((first >> 2) & 0x03)
-    {
-    case 0: {
-        std::uint64_t const length = ReadOctetStringLengthBit7(first);
-        ReadUtf8(Read(length), length);
-        return;
-    }
-    case 1: {
-        std::uint64_t const length = ReadOctetStringLengthBit7(first);
-        ReadUtf16(Read(length), length);
-        return;
-    }
-    default: {
-        bool const alphabet = ((first >> 2) & 0x03) == 2;
-        unsigned char const next = ReadOctet();
-        std::uint32_t const number = (((first & 0x03u) << 6) | (next >> 2)) + 1; // [1, 256]
-        std::uint64_t const length = ReadOctetStringLengthBit7(next);
-        unsigned char const *octets = Read(length);
-        if (alphabet)
-            ReadRestrictedAlphabet(octets, length, number);
-        else
-            ReadEncodedValue(octets, length, number);
-        return;
-    }
-    }
+    unsigned char const next = ReadOctet();
+    unsigned const lowBits = (1u << form.kindShift) - 1u; // 0x0F, 0x03
+    std::uint32_t const number =
+        (((first & lowBits) << (8 - form.kindShift)) | (next >> form.kindShift)) + 1; // [1, 256]
+    std::uint64_t const length = ReadOctetStringLength(*form.length, next);
+    unsigned char const *octets = Read(length);
+    if (kind == 2)
+        ReadRestrictedAlphabet(octets, length, number);
+    else
+        ReadEncodedValue(octets, length, number);
 }
 
 void CFastInfosetReader::ReadUtf8(unsigned char const *octets, std::uint64_t length)
@@ -657,35 +623,15 @@ std::uint32_t CFastInfosetReader::ReadInteger(FIIntegerLadder const &ladder, uns
     return ((high << 16) | (middle << 8) | ReadOctet()) + base;
 }
 
-std::uint64_t CFastInfosetReader::ReadOctetStringLengthBit2(unsigned char first)
+std::uint64_t CFastInfosetReader::ReadOctetStringLength(FILengthForm const &form, unsigned char first)
 {
-    if ((first & 0x40) == 0)
-        return (first & 0x3Fu) + 1; // [1, 64]
-    if ((first & 0x7F) == 0x40)
-        return ReadOctet() + 65u; // [65, 320]
-    if ((first & 0x7F) == 0x60)
-        return ReadFourOctets() + std::uint64_t(321);
-    Fail("Failed to parse FastInfoset. Invalid NonEmptyOctetString type  on the second bit of an octet.");
-}
-
-std::uint64_t CFastInfosetReader::ReadOctetStringLengthBit5(unsigned char first)
-{
-    if ((first & 0x08) == 0)
-        return (first & 0x07u) + 1; // [1, 8]
-    if ((first & 0x0F) == 0x08)
-        return ReadOctet() + 9u; // [9, 264]
-    if ((first & 0x0F) == 0x0C)
-        return ReadFourOctets() + std::uint64_t(265);
-    Fail("Failed to parse FastInfoset. Invalid NonEmptyOctetString type  on the fifth bit of an octet.");
-}
-
-std::uint64_t CFastInfosetReader::ReadOctetStringLengthBit7(unsigned char first)
-{
-    if ((first & 0x02) == 0)
-        return (first & 0x01u) + 1; // [1, 2]
-    if ((first & 0x03) == 0x02)
-        return ReadOctet() + 3u; // [3, 258]
-    return ReadFourOctets() + std::uint64_t(259);
+    if ((first & form.startBit) == 0)
+        return (first & (form.startBit - 1u)) + 1u; // [1, oneBase - 1]
+    if ((first & form.formMask) == form.oneOctet)
+        return ReadOctet() + std::uint64_t(form.oneBase); // [oneBase, fourBase - 1]
+    if ((first & form.formMask) == form.fourOctets)
+        return ReadFourOctets() + std::uint64_t(form.fourBase);
+    Fail(form.failure);
 }
 
 } // namespace MxXmlLib

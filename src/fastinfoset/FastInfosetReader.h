@@ -20,6 +20,8 @@ class CXmlDocument;
 class CXmlElement;
 class CFastInfosetContext;
 struct FIIntegerLadder;
+struct FILengthForm;
+struct FIStringForm;
 
 class CFastInfosetReader : public CInstanceMonitor
 {
@@ -60,8 +62,8 @@ private:
                                              std::string &overflow);
     // A value string; with no table, an index is read and not resolved.
     std::string const *ReadValueString(CFIVocabulary::CFIStringTable *table);
-    void ReadEncodedStringBit3(unsigned char first);
-    void ReadEncodedStringBit5(unsigned char first);
+    // An encoded character string on the third or fifth bit (FIIntegerLadder.h).
+    void ReadEncodedString(FIStringForm const &form, unsigned char first);
     void ReadRestrictedAlphabet(unsigned char const *octets, std::uint64_t length, std::uint32_t number);
     void ReadEncodedValue(unsigned char const *octets, std::uint64_t length, std::uint32_t number);
     void ReadUtf8(unsigned char const *octets, std::uint64_t length);
@@ -71,9 +73,7 @@ private:
     std::uint32_t ReadIntegerBit2WithZero(unsigned char first);
     // The integers that start on the third or fourth bit (FIIntegerLadder.h).
     std::uint32_t ReadInteger(FIIntegerLadder const &ladder, unsigned char first);
-    std::uint64_t ReadOctetStringLengthBit2(unsigned char first);
-    std::uint64_t ReadOctetStringLengthBit5(unsigned char first);
-    std::uint64_t ReadOctetStringLengthBit7(unsigned char first);
+    std::uint64_t ReadOctetStringLength(FILengthForm const &form, unsigned char first);
     std::uint32_t ReadFourOctets();
     std::uint32_t ReadSequenceCount();
 

@@ -358,12 +358,7 @@ void CFastInfosetWriter::AppendAttributeQName(std::string const &prefix, std::st
         AppendIntegerBit2(0, index);
         return;
     }
-    Put(0x78 | (prefix.empty() ? 0 : 2) | (namespaceUri.empty() ? 0 : 1));
-    if (!prefix.empty())
-        AppendIdentifyingString(prefix, StringTable::Prefix);
-    if (!namespaceUri.empty())
-        AppendIdentifyingString(namespaceUri, StringTable::Namespace);
-    AppendIdentifyingString(localName, StringTable::LocalName);
+    AppendLiteralQName(0x78, prefix, namespaceUri, localName);
     CFIVocabulary::AddValueToMap(key, Vocabulary->AttributeNamesMap);
 }
 
@@ -377,13 +372,20 @@ void CFastInfosetWriter::AppendElementQName(unsigned char flags, std::string con
         AppendInteger(kIntegerOnBit3, flags, index);
         return;
     }
-    Put(flags | 0x3C | (prefix.empty() ? 0 : 2) | (namespaceUri.empty() ? 0 : 1));
+    AppendLiteralQName(flags | 0x3C, prefix, namespaceUri, localName);
+    CFIVocabulary::AddValueToMap(key, Vocabulary->ElementNamesMap);
+}
+
+// The tag with a bit each for a prefix and a namespace, then the strings present.
+void CFastInfosetWriter::AppendLiteralQName(unsigned char tag, std::string const &prefix,
+                                            std::string const &namespaceUri, std::string const &localName)
+{
+    Put(tag | (prefix.empty() ? 0 : 2) | (namespaceUri.empty() ? 0 : 1));
     if (!prefix.empty())
         AppendIdentifyingString(prefix, StringTable::Prefix);
     if (!namespaceUri.empty())
         AppendIdentifyingString(namespaceUri, StringTable::Namespace);
     AppendIdentifyingString(localName, StringTable::LocalName);
-    CFIVocabulary::AddValueToMap(key, Vocabulary->ElementNamesMap);
 }
 
 void CFastInfosetWriter::AppendAttributeValue(std::string const &text, ItemType type)
@@ -395,7 +397,7 @@ void CFastInfosetWriter::AppendAttributeValue(std::string const &text, ItemType 
     }
     if (text.size() >= Context->GetAttributeMaxAddLength())
     {
-        AppendEncodedCharacterString(kStringOnBit5, 0, text, type);
+        AppendEncodedCharacterString(kStringOnBit3, 0, text, type);
         return;
     }
     std::uint32_t index;
@@ -404,7 +406,7 @@ void CFastInfosetWriter::AppendAttributeValue(std::string const &text, ItemType 
         AppendIntegerBit2(0x80, index);
         return;
     }
-    AppendEncodedCharacterString(kStringOnBit5, 0x40, text, type);
+    AppendEncodedCharacterString(kStringOnBit3, 0x40, text, type);
     CFIVocabulary::AddValueToMap(text, Vocabulary->AttributeValuesMap);
 }
 
@@ -412,7 +414,7 @@ void CFastInfosetWriter::AppendCharacterChunk(std::string const &text, ItemType 
 {
     if (text.size() >= Context->GetElementMaxAddLength())
     {
-        AppendEncodedCharacterString(kStringOnBit7, 0x80, text, type);
+        AppendEncodedCharacterString(kStringOnBit5, 0x80, text, type);
         return;
     }
     std::uint32_t index;
@@ -421,11 +423,11 @@ void CFastInfosetWriter::AppendCharacterChunk(std::string const &text, ItemType 
         AppendInteger(kIntegerOnBit4, 0xA0, index);
         return;
     }
-    AppendEncodedCharacterString(kStringOnBit7, 0x90, text, type);
+    AppendEncodedCharacterString(kStringOnBit5, 0x90, text, type);
     CFIVocabulary::AddValueToMap(text, Vocabulary->CharacterChunksMap);
 }
 
-void CFastInfosetWriter::AppendEncodedCharacterString(CharacterStringForm const &form, unsigned char flags,
+void CFastInfosetWriter::AppendEncodedCharacterString(FIStringForm const &form, unsigned char flags,
                                                       std::string const &text, ItemType type)
 {
     CFastInfosetContext::EncodedCharacterString const encoding = Context->GetEncoding(type);
@@ -435,28 +437,22 @@ void CFastInfosetWriter::AppendEncodedCharacterString(CharacterStringForm const 
         if (Context->GetDefaultStringEncoding() == 1)
             throw CMxException(
                 "Failed to write FastInfoset. Unsupported Feature UTF16BE in EncodedCharacterStringBit5.");
-        (this->*form.appendOctets)(flags, Utf8(text));
+        AppendNonEmptyOctetString(*form.length, flags, Utf8(text));
         return;
     case 1:
     case 2: {
         std::string const octets = EncodeValue(encoding.Type, encoding.Value, text);
         std::uint32_t const number = encoding.Value - 1; // [0, 9]
         // The number's high bits close this octet, its low bits open the length's.
-        Put(flags | (encoding.Type == 1 ? form.alphabetTag : form.algorithmTag) | (number >> (8 - form.lowShift)));
-        (this->*form.appendOctets)(Octet(number << form.lowShift), octets);
+        unsigned const kind = encoding.Type == 1 ? 2u : 3u;
+        Put(flags | Octet(kind << form.kindShift) | Octet(number >> (8 - form.kindShift)));
+        AppendNonEmptyOctetString(*form.length, Octet(number << form.kindShift), octets);
         return;
     }
     default:
         throw CMxException(form.unknownEncoding);
     }
 }
-
-CFastInfosetWriter::CharacterStringForm const CFastInfosetWriter::kStringOnBit5 = {
-    &CFastInfosetWriter::AppendNonEmptyOctetStringBit5, 0x20, 0x30, 4,
-    "Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit5."};
-CFastInfosetWriter::CharacterStringForm const CFastInfosetWriter::kStringOnBit7 = {
-    &CFastInfosetWriter::AppendNonEmptyOctetStringBit7, 0x08, 0x0C, 2,
-    "Failed to write FastInfoset. Unknown encoding in EncodedCharacterStringBit7."};
 
 std::string CFastInfosetWriter::EncodeValue(std::uint32_t kind, std::uint32_t value, std::string const &text)
 {
@@ -531,56 +527,26 @@ void CFastInfosetWriter::AppendLength32(std::uint32_t n)
 
 void CFastInfosetWriter::AppendNonEmptyOctetStringBit2(std::string_view octets)
 {
-    std::size_t const length = octets.size();
-    if (length == 0)
+    if (octets.empty())
         throw CMxException("Failed to write FastInfoset. Empty identifying string.");
-    if (length <= 64)
-        Put(Octet(length - 1));
-    else if (length <= 320)
-    {
-        Put(0x40);
-        Put(Octet(length - 65));
-    }
-    else
-    {
-        Put(0x60);
-        AppendLength32(static_cast<std::uint32_t>(length - 321));
-    }
-    Put(octets);
+    AppendNonEmptyOctetString(kLengthOnBit2, 0, octets);
 }
 
-void CFastInfosetWriter::AppendNonEmptyOctetStringBit5(unsigned char prefix, std::string_view octets)
+void CFastInfosetWriter::AppendNonEmptyOctetString(FILengthForm const &form, unsigned char prefix,
+                                                   std::string_view octets)
 {
-    std::size_t const length = octets.size(); // >= 1: callers write non-empty text
-    if (length <= 8)
+    std::size_t const length = octets.size(); // >= 1: callers write non-empty strings
+    if (length < form.oneBase)
         Put(prefix | Octet(length - 1));
-    else if (length <= 264)
+    else if (length < form.fourBase)
     {
-        Put(prefix | 0x08);
-        Put(Octet(length - 9));
+        Put(prefix | form.oneOctet);
+        Put(Octet(length - form.oneBase));
     }
     else
     {
-        Put(prefix | 0x0C);
-        AppendLength32(static_cast<std::uint32_t>(length - 265));
-    }
-    Put(octets);
-}
-
-void CFastInfosetWriter::AppendNonEmptyOctetStringBit7(unsigned char prefix, std::string_view octets)
-{
-    std::size_t const length = octets.size(); // >= 1
-    if (length <= 2)
-        Put(prefix | Octet(length - 1));
-    else if (length <= 258)
-    {
-        Put(prefix | 0x02);
-        Put(Octet(length - 3));
-    }
-    else
-    {
-        Put(prefix | 0x03);
-        AppendLength32(static_cast<std::uint32_t>(length - 259));
+        Put(prefix | form.fourOctets);
+        AppendLength32(static_cast<std::uint32_t>(length - form.fourBase));
     }
     Put(octets);
 }

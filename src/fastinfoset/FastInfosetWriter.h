@@ -19,6 +19,8 @@ namespace MxXmlLib
 class CBinaryStream;
 class CFastInfosetContext;
 struct FIIntegerLadder;
+struct FILengthForm;
+struct FIStringForm;
 
 class CFastInfosetWriter : public CXmlWriter
 {
@@ -71,28 +73,20 @@ private:
                               std::string const &localName);
     void AppendElementQName(unsigned char flags, std::string const &prefix, std::string const &namespaceUri,
                             std::string const &localName);
+    void AppendLiteralQName(unsigned char tag, std::string const &prefix, std::string const &namespaceUri,
+                            std::string const &localName);
     void AppendAttributeValue(std::string const &text, ItemType type);
     void AppendCharacterChunk(std::string const &text, ItemType type);
-    // Where an encoded character string starts on the fifth or the seventh
-    // bit: its length's form, the tags of a restricted alphabet and of an
-    // algorithm, and how many low bits of the table number open the length.
-    struct CharacterStringForm
-    {
-        void (CFastInfosetWriter::*appendOctets)(unsigned char prefix, std::string_view octets);
-        unsigned char alphabetTag, algorithmTag;
-        unsigned lowShift;
-        char const *unknownEncoding;
-    };
-    static CharacterStringForm const kStringOnBit5, kStringOnBit7;
-    void AppendEncodedCharacterString(CharacterStringForm const &form, unsigned char flags, std::string const &text,
+    // An encoded character string on the third or fifth bit (FIIntegerLadder.h).
+    void AppendEncodedCharacterString(FIStringForm const &form, unsigned char flags, std::string const &text,
                                       ItemType type);
     // The value's octets, by restricted alphabet (kind 1) or algorithm (2).
     std::string EncodeValue(std::uint32_t kind, std::uint32_t value, std::string const &text);
     std::string AppendRestrictedAlphabetString(std::uint32_t alphabet, std::string const &text);
 
     void AppendNonEmptyOctetStringBit2(std::string_view octets);
-    void AppendNonEmptyOctetStringBit5(unsigned char prefix, std::string_view octets);
-    void AppendNonEmptyOctetStringBit7(unsigned char prefix, std::string_view octets);
+    // A length of the given form, its first octet under `prefix`, and the octets.
+    void AppendNonEmptyOctetString(FILengthForm const &form, unsigned char prefix, std::string_view octets);
     void AppendIntegerBit2(unsigned char flags, std::uint32_t n);
     // The integers that start on the third or fourth bit (FIIntegerLadder.h).
     void AppendInteger(FIIntegerLadder const &ladder, unsigned char flags, std::uint32_t n);
