@@ -11,6 +11,7 @@
 #include <cstring>
 #include <map>
 #include <mutex>
+#include <set>
 #include <type_traits>
 #include <utility>
 
@@ -118,6 +119,9 @@ struct SetData : std::enable_shared_from_this<SetData>
         std::unique_ptr<CXsdPattern> compiled;
     };
     std::map<ValueType const *, Pattern> patterns;
+    // Namespaces of types that no element or attribute name uses: an
+    // xsi:type naming such a type needs a prefix that no name declares.
+    std::set<std::string> typeOnlyNamespaces;
 
     ~SetData();
     CSmartPtr<CXmlObjectBase> Make(int classIndex, bool nillable, char const *elementName,
@@ -641,6 +645,19 @@ std::shared_ptr<SetData> Build(Model model)
     if (m.classes.size() > static_cast<std::size_t>(kMaxClasses))
         throw CSchemaError("the schema set has " + std::to_string(m.classes.size()) + " classes; at most " +
                            std::to_string(kMaxClasses) + " can be loaded as one set");
+    std::set<std::string> named;
+    for (RootElement const &r : m.roots)
+        named.insert(r.ns);
+    for (ClassDef const &c : m.classes)
+    {
+        for (ElementRow const &r : c.elements)
+            named.insert(r.ns);
+        for (AttributeRow const &a : c.attributes)
+            named.insert(a.ns);
+    }
+    for (ClassDef const &c : m.classes)
+        if (c.hasBaseClasses && !c.ns.empty() && named.count(c.ns) == 0)
+            data->typeOnlyNamespaces.insert(c.ns);
     data->slot = SetSlots().Take();
     if (data->slot < 0)
         throw CSchemaError("too many schema sets are loaded at once");
@@ -1008,6 +1025,7 @@ void CDynamicObject::ToXml_Int(CXmlWriter *writer, bool isRoot, char const *name
         // Depth first over the objects of the document, without recursion:
         // documents nest as deep as their readers allow.
         std::vector<std::pair<std::string, std::string>> declared;
+        std::set<std::string> typeNamespaces;
         std::vector<CXmlObjectBase const *> pending{this};
         while (!pending.empty())
         {
@@ -1024,6 +1042,9 @@ void CDynamicObject::ToXml_Int(CXmlWriter *writer, bool isRoot, char const *name
                 continue;
             // A prefix bound to two namespaces in two places is declared
             // where the first stands; the other is declared on its element.
+            ClassDef const &c = dynamic->GetClass();
+            if (c.hasBaseClasses && m_set->typeOnlyNamespaces.count(c.ns) != 0)
+                typeNamespaces.insert(c.ns);
             for (auto const &binding : dynamic->m_prefixes)
                 if (std::none_of(declared.begin(), declared.end(),
                                  [&](auto const &d) { return d.first == binding.first; }))
@@ -1031,6 +1052,15 @@ void CDynamicObject::ToXml_Int(CXmlWriter *writer, bool isRoot, char const *name
             for (auto cell = dynamic->m_cells.rbegin(); cell != dynamic->m_cells.rend(); ++cell)
                 if (cell->GetTypeAsEnum() == ItemType_XmlObject && !cell->GetXmlObject().IsNull())
                     pending.push_back(cell->GetXmlObject().Get());
+        }
+        int n = 0;
+        for (std::string const &uri : typeNamespaces)
+        {
+            std::string prefix;
+            do
+                prefix = "ns" + std::to_string(++n);
+            while (std::any_of(declared.begin(), declared.end(), [&](auto const &d) { return d.first == prefix; }));
+            declared.emplace_back(prefix, uri);
         }
         for (auto const &[prefix, uri] : declared)
             writer->AddNamespace(prefix, uri);
@@ -1045,12 +1075,19 @@ void CDynamicObject::AttributesToXml_Int(CXmlWriter *writer, CSerializationConte
     // entered in the scope so that the writer does not take it for another
     // namespace. A Fast Infoset writer has no context yet while it holds
     // the root's start: the root's own prefixes were all declared.
+    // Every decision is taken before the first declaration changes the scope.
     CXmlWriter::CXmlWriterContext const *scope = writer->GetCurrentContext();
-    for (auto const &[prefix, uri] : m_prefixes)
+    std::vector<std::pair<std::string, std::string>> undeclared;
+    for (auto const &binding : m_prefixes)
     {
-        std::string const *known = scope ? scope->FindPrefix(uri) : nullptr;
-        if (scope == nullptr || (known != nullptr && *known == prefix))
+        std::string const *known = scope ? scope->FindPrefix(binding.second) : nullptr;
+        if (scope == nullptr || (known != nullptr && *known == binding.first) ||
+            std::any_of(undeclared.begin(), undeclared.end(), [&](auto const &u) { return u.first == binding.first; }))
             continue;
+        undeclared.push_back(binding);
+    }
+    for (auto const &[prefix, uri] : undeclared)
+    {
         writer->AddNamespace(prefix, uri);
         writer->WriteAttribute("xmlns:" + prefix, std::string(), uri, ItemType_string);
     }

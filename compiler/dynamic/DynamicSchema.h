@@ -66,9 +66,9 @@ protected:
     MxXmlLib::CXmlElement *FromXml_Int(MxXmlLib::CXmlElement *element, MxXmlLib::CXmlElement *cursor,
                                        MxXmlLib::CSerializationContext const &context, bool optionalChoice) override;
     void AttributesToXml_Int(MxXmlLib::CXmlWriter *writer, MxXmlLib::CSerializationContext const &context) const override;
-    // A root declares the prefixes of every QName value below it, where
-    // each format can carry a declaration (Fast Infoset has none on inner
-    // elements).
+    // A root declares the prefixes of every QName value below it, and of the
+    // namespaces that only an xsi:type below it names, where each format
+    // can carry a declaration (Fast Infoset has none on inner elements).
     void ToXml_Int(MxXmlLib::CXmlWriter *writer, bool isRoot, char const *namespaceUri,
                    MxXmlLib::CSerializationContext const &context, bool optionalChoice) const override;
     std::string GetTargetNamespace() const override { return m_elementNamespace; }
