@@ -1,4 +1,4 @@
-// Reading and writing the purchase-order model of examples/ from generated
+// Reading and writing the hand-written purchase-order model (tests/model) from generated
 // documents (1, 10 and 100 MB unless sizes in MB are given), every figure
 // against raw Expat parsing the same bytes in the same run (namespace parser,
 // handlers that only count):

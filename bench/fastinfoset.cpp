@@ -1,4 +1,4 @@
-// Fast Infoset against XML text for the purchase-order model of examples/,
+// Fast Infoset against XML text for the hand-written purchase-order model (tests/model),
 // from a generated document of about 10 MB (or the sizes given, in MB):
 // MB/s of ToFastInfosetStream and of FromXmlStream of those bytes, and of
 // ToXmlStream and FromXmlStream of the XML text of the same objects in the

@@ -1,4 +1,4 @@
-// JSON output and input of the purchase-order model of examples/, from a
+// JSON output and input of the hand-written purchase-order model (tests/model), from a
 // generated document of about 10 MB: MB/s of ToJson and FromJson, against
 // RapidJSON writing the same JSON (its Writer over a DOM of our output, so
 // that the content is the same to the byte but for the layout) and parsing it

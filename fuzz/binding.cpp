@@ -1,5 +1,5 @@
 // Arbitrary bytes read into classes of the generated shape: the purchase
-// order of examples/ and the roots of the test model, through the byte entry
+// order and the other roots of the test models (tests/model), through the byte entry
 // point, which detects compression and Fast Infoset. Whatever the input, the
 // read ends in a filled object or a CMxException, and a filled object writes
 // itself out again (or fails with a CMxException).

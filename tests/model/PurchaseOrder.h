@@ -1,6 +1,8 @@
 #pragma once
 
-// A purchase-order schema bound the way the code generator binds it: each
+// The purchase-order schema of the demonstration (examples/data), bound by
+// hand the way the code generator binds it: the reference that the generated
+// classes are held to in tests and benchmarks. Each
 // complex type is a CXmlGeneratedClass with a static description (rows built
 // once under m_csInit), a numbered property function, factories, and an
 // enumeration function pair. The schema:
