@@ -59,6 +59,13 @@ public:
     std::string GetExternalVocabularyURI() const { return ExternalVocabularyURI; }
     void SetExternalVocabularyURI(std::string const &uri) { ExternalVocabularyURI = uri; }
 
+    // Off (the default), text that follows a child element is written
+    // before the child's closing terminator, so a reader finds it inside
+    // the child. On, the terminator comes first and mixed content reads
+    // back in place. An extension: with it off every byte is unchanged.
+    bool GetKeepTextInPlace() const { return KeepTextInPlace; }
+    void SetKeepTextInPlace(bool value) { KeepTextInPlace = value; }
+
     // Names the vocabulary of this library's generated code.
     static char const kDefaultVocabularyURI[];
 
@@ -68,6 +75,7 @@ private:
     std::uint32_t AttributeMaxAddLength;
     std::uint32_t ElementMaxAddLength;
     bool UseGeneratedVocabulary;
+    bool KeepTextInPlace;
     CFIVocabulary Vocabulary;
     std::string ExternalVocabularyURI;
 };

@@ -231,6 +231,13 @@ void CFastInfosetWriter::WriteText(std::string const &value, ItemType type, bool
     CloseStartTag();
     if (value.empty())
         return;
+    // Text after a child element lands before the child's owed terminator,
+    // inside the child, unless the context keeps text in place.
+    if (TerminatorPending && Context->GetKeepTextInPlace())
+    {
+        Put(kTerminator);
+        TerminatorPending = false;
+    }
     AppendCharacterChunk(value, type);
 }
 
@@ -238,8 +245,6 @@ void CFastInfosetWriter::EndElement()
 {
     FlushPendingElement(false);
     CloseStartTag();
-    // Text written after a child element lands before the child's owed
-    // terminator, inside the child: mixed content is not kept in place.
     if (TerminatorPending)
         Put(kDoubleTerminator);
     TerminatorPending = !TerminatorPending;

@@ -218,11 +218,13 @@ inline std::vector<std::pair<std::string, std::string>> BoundaryDocuments()
 
 // Our Fast Infoset of an XML text, by way of the untyped tree.
 inline std::string FiOf(std::string const &xml, MxXmlLib::FInfoDecl declaration = MxXmlLib::FInfoDecl_None,
-                        MxXmlLib::CompressionType compression = MxXmlLib::CompressionNone)
+                        MxXmlLib::CompressionType compression = MxXmlLib::CompressionNone, bool keepTextInPlace = false)
 {
     MxXmlLib::CSmartPtr<MxXmlLib::CElement> element(new MxXmlLib::CElement("unread"));
     element->FromXml(xml.c_str());
-    return Bytes(element->ToFastInfosetStream(declaration, MxXmlLib::CSerializationContext(), compression));
+    MxXmlLib::CSerializationContext context;
+    context.GetFIContext().SetKeepTextInPlace(keepTextInPlace);
+    return Bytes(element->ToFastInfosetStream(declaration, context, compression));
 }
 
 } // namespace MxFiTest

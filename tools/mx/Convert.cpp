@@ -8,6 +8,8 @@ using namespace MxXmlLib;
 CBinaryData ConvertBytes(CBinaryData const &input, MxCompiler::CSchemaSet const *schema, ConvertOptions const &options)
 {
     CSerializationContext context;
+    // Mixed content keeps its text in place in Fast Infoset too.
+    context.GetFIContext().SetKeepTextInPlace(true);
     // Strict JSON by default: any parser accepts it, and it reads back to the same document.
     if (!options.jsonCompat)
         context.GetJsonContext().SetStrict(true);

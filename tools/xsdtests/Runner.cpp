@@ -285,7 +285,9 @@ std::string RunValid(MxCompiler::CSchemaSet const &set, Validator &validator, st
             json.cause = "json: the XML differs after the round trip";
     });
     Try(fi, "fi", [&] {
-        CBinaryData const bytes = object->ToFastInfosetStream(FInfoDecl_None, context);
+        CSerializationContext fiContext;
+        fiContext.GetFIContext().SetKeepTextInPlace(true);
+        CBinaryData const bytes = object->ToFastInfosetStream(FInfoDecl_None, fiContext);
         CSmartPtr<CXmlObjectBase> back = set.Read(bytes, context);
         if (back->ToXml(true, false, LF, context) == written)
             fi.status = "pass";
