@@ -66,6 +66,13 @@ public:
     bool GetKeepTextInPlace() const { return KeepTextInPlace; }
     void SetKeepTextInPlace(bool value) { KeepTextInPlace = value; }
 
+    // Off (the default), an xsi:type attribute whose type namespace has a
+    // prefix in scope is named with that prefix, which a reader then binds
+    // to the XSI namespace. On, it is named with a prefix of the XSI
+    // namespace, as in XML text. An extension like the one above.
+    bool GetTypeAttributeInXsi() const { return TypeAttributeInXsi; }
+    void SetTypeAttributeInXsi(bool value) { TypeAttributeInXsi = value; }
+
     // Names the vocabulary of this library's generated code.
     static char const kDefaultVocabularyURI[];
 
@@ -76,6 +83,7 @@ private:
     std::uint32_t ElementMaxAddLength;
     bool UseGeneratedVocabulary;
     bool KeepTextInPlace;
+    bool TypeAttributeInXsi;
     CFIVocabulary Vocabulary;
     std::string ExternalVocabularyURI;
 };

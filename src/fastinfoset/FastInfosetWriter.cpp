@@ -303,6 +303,12 @@ void CFastInfosetWriter::WriteTypeAttribute(std::string const &typeNamespace, st
     if (std::string const *known = current.FindPrefix(typeNamespace))
     {
         prefix = *known;
+        if (Context->GetTypeAttributeInXsi())
+        {
+            std::string const typePrefix = prefix;
+            WriteAttribute("type", kXsiNamespace, typePrefix + ":" + typeName, type);
+            return;
+        }
         // The attribute carries the prefix of the type's namespace.
         AppendAttributeQName(prefix, kXsiNamespace, "type");
     }

@@ -8,8 +8,10 @@ using namespace MxXmlLib;
 CBinaryData ConvertBytes(CBinaryData const &input, MxCompiler::CSchemaSet const *schema, ConvertOptions const &options)
 {
     CSerializationContext context;
-    // Mixed content keeps its text in place in Fast Infoset too.
+    // Fast Infoset that reads back as the same XML: mixed content keeps
+    // its text in place, and xsi:type its meaning.
     context.GetFIContext().SetKeepTextInPlace(true);
+    context.GetFIContext().SetTypeAttributeInXsi(true);
     // Strict JSON by default: any parser accepts it, and it reads back to the same document.
     if (!options.jsonCompat)
         context.GetJsonContext().SetStrict(true);

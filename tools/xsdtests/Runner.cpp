@@ -287,6 +287,7 @@ std::string RunValid(MxCompiler::CSchemaSet const &set, Validator &validator, st
     Try(fi, "fi", [&] {
         CSerializationContext fiContext;
         fiContext.GetFIContext().SetKeepTextInPlace(true);
+        fiContext.GetFIContext().SetTypeAttributeInXsi(true);
         CBinaryData const bytes = object->ToFastInfosetStream(FInfoDecl_None, fiContext);
         CSmartPtr<CXmlObjectBase> back = set.Read(bytes, context);
         if (back->ToXml(true, false, LF, context) == written)
