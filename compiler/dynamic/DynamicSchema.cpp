@@ -2,6 +2,7 @@
 
 #include "frontend/XsdFrontend.h"
 #include "values/FacetCheck.h"
+#include "binding/SchemaValues.h"
 
 #include "collections/GeneratedCollections.h"
 
@@ -92,7 +93,7 @@ SlotTable &AbsSlots()
 }
 
 std::array<std::atomic<SetData const *>, kSetSlots> g_sets{};
-std::array<std::atomic<Enumeration const *>, kThunkSlots> g_enums{};
+std::array<std::atomic<CSchemaEnumeration const *>, kThunkSlots> g_enums{};
 std::array<std::atomic<AbsSlot const *>, kThunkSlots> g_abs{};
 
 struct SetData : std::enable_shared_from_this<SetData>
@@ -110,14 +111,13 @@ struct SetData : std::enable_shared_from_this<SetData>
     std::vector<int> enumSlots;             // per enumeration
     std::vector<std::unique_ptr<AbsSlot>> absSlots;
     std::vector<int> absSlotNumbers;
-    // The patterns of the string values, compiled once when the set loads,
-    // with the rest of their facets: a value is checked as it is stored.
-    struct Pattern
-    {
-        CPrimitiveRestrictions otherFacets;
-        std::unique_ptr<CXsdPattern> compiled;
-    };
-    std::map<ValueType const *, Pattern> patterns;
+    // The value types and enumerations as the run-time's checks take them,
+    // with the patterns of string values compiled once when the set loads:
+    // a value is checked as it is stored. Per class, per property: the
+    // index of its value type, or -1 for a property that is no value.
+    CSchemaEnumerations enumerations;
+    std::vector<CSchemaValueType> valueTypes;
+    std::vector<std::vector<int>> propertyValueTypes;
 
     ~SetData();
     CSmartPtr<CXmlObjectBase> Make(int classIndex, bool nillable, char const *elementName,
@@ -154,174 +154,18 @@ public:
     using CClassfactoryBase::GetElementTypeNamespaceUri;
 };
 
-// ---------------------------------------------------------------------------
-// Values held as text (lists, unions, enumerations) are checked here: the
-// rows convert atomic values, but only this code knows a list's items or a
-// union's members.
-
-int MatchEnumeration(std::vector<Enumeration> const *all, Enumeration const &e, std::string const &text);
-
-std::vector<std::string> Items(std::string const &collapsed)
-{
-    std::vector<std::string> items;
-    for (std::size_t start = 0; start < collapsed.size();)
-    {
-        std::size_t const end = std::min(collapsed.find(' ', start), collapsed.size());
-        items.push_back(collapsed.substr(start, end - start));
-        start = end + 1;
-    }
-    return items;
-}
-
-void CheckPattern(ValueType const &type, std::string const &text, char const *name)
-{
-    if (type.facets.pattern.empty())
-        return;
-    CPrimitiveRestrictions pattern(type.facets.pattern.c_str(), -1, -1, nullptr, nullptr, nullptr, nullptr, -1, -1, -1);
-    MxVariant v;
-    v.SetString(text);
-    CheckPrimitiveFacets(name, v, ItemType_string, pattern);
-}
-
-void CheckMember(std::vector<Enumeration> const *all, ValueType const &type, std::string const &text)
-{
-    if (type.enumeration < 0 || all == nullptr)
-        return;
-    Enumeration const &e = (*all)[static_cast<std::size_t>(type.enumeration)];
-    if (MatchEnumeration(all, e, text) < 0)
-        throw CMxInvalidValueException(
-            FormatString("Invalid value [%s] for the enumeration %s", text.c_str(), e.name.c_str()));
-}
-
-// The canonical text of `text` as a value of `type`, after every facet
-// check but enumerations of `type` itself; raises when the text is none.
-std::string Canonical(std::vector<Enumeration> const *all, ValueType const &type, std::string const &text,
-                      char const *name)
-{
-    switch (type.variety)
-    {
-    case ValueType::Variety::Atomic:
-    {
-        if (type.itemType == ItemType_string)
-        {
-            std::string const t = CWhitespaceUtils::ApplyRule(type.whitespace, text);
-            MxVariant v;
-            v.SetString(t);
-            CheckPrimitiveFacets(name, v, ItemType_string, type.facets);
-            return t;
-        }
-        MxVariant v;
-        v.FromString(text, type.itemType, type.whitespace);
-        CheckPrimitiveFacets(name, v, type.itemType, type.facets);
-        std::string canonical = v.ToString();
-        // A zero offset is UTC whichever way it is written.
-        std::size_t const n = canonical.size();
-        if (n > 6 && (canonical.compare(n - 6, 6, "+00:00") == 0 || canonical.compare(n - 6, 6, "-00:00") == 0))
-            canonical.replace(n - 6, 6, "Z");
-        return canonical;
-    }
-    case ValueType::Variety::List:
-    {
-        std::string const t = CWhitespaceUtils::ApplyRule(WhitespaceRule::Collapse, text);
-        std::vector<std::string> const items = Items(t);
-        int const n = static_cast<int>(items.size());
-        if (type.listLength >= 0 && n != type.listLength)
-            throw CMxInvalidValueException(FormatString("The list [%s] has %d items where %d are required", t.c_str(),
-                                                        n, type.listLength));
-        if (type.listMinLength >= 0 && n < type.listMinLength)
-            throw CMxInvalidValueException(FormatString("The list [%s] has %d items, fewer than the %d required",
-                                                        t.c_str(), n, type.listMinLength));
-        if (type.listMaxLength >= 0 && n > type.listMaxLength)
-            throw CMxInvalidValueException(FormatString("The list [%s] has %d items, more than the %d allowed",
-                                                        t.c_str(), n, type.listMaxLength));
-        CheckPattern(type, t, name);
-        std::string canonical;
-        for (std::string const &item : items)
-        {
-            if (type.items.empty())
-            {
-                canonical += (canonical.empty() ? "" : " ") + item;
-                continue;
-            }
-            std::string const c = Canonical(all, type.items.front(), item, name);
-            CheckMember(all, type.items.front(), item);
-            canonical += (canonical.empty() ? "" : " ") + c;
-        }
-        return canonical;
-    }
-    case ValueType::Variety::Union:
-    {
-        std::string const t = CWhitespaceUtils::ApplyRule(type.whitespace, text);
-        CheckPattern(type, t, name);
-        for (ValueType const &member : type.items)
-        {
-            try
-            {
-                std::string const c = Canonical(all, member, text, name);
-                CheckMember(all, member, text);
-                return c;
-            }
-            catch (CMxException const &)
-            {
-            }
-        }
-        if (type.items.empty())
-            return t;
-        throw CMxInvalidValueException(
-            FormatString("The value [%s] is valid for none of the member types of %s", t.c_str(), type.name.c_str()));
-    }
-    }
-    return text;
-}
-
-// The index of the value that `text` stands for, or -1.
-int MatchEnumeration(std::vector<Enumeration> const *all, Enumeration const &e, std::string const &text)
-{
-    for (std::size_t i = 0; i < e.values.size(); ++i)
-        if (e.values[i] == text)
-            return static_cast<int>(i);
-    std::string canonical;
-    try
-    {
-        canonical = Canonical(all, e.type, text, e.name.c_str());
-    }
-    catch (CMxException const &)
-    {
-        return -1;
-    }
-    for (std::size_t i = 0; i < e.values.size(); ++i)
-    {
-        try
-        {
-            if (Canonical(all, e.type, e.values[i], e.name.c_str()) == canonical)
-                return static_cast<int>(i);
-        }
-        catch (CMxException const &)
-        {
-        }
-    }
-    return -1;
-}
-
 template <std::size_t I> char const *EnumToString(int value)
 {
-    Enumeration const *e = g_enums[I].load(std::memory_order_acquire);
-    if (e == nullptr || value < 0 || static_cast<std::size_t>(value) >= e->values.size())
-        return "";
-    return e->values[static_cast<std::size_t>(value)].c_str();
+    CSchemaEnumeration const *e = g_enums[I].load(std::memory_order_acquire);
+    return e == nullptr ? "" : SchemaEnumerationToString(*e, value);
 }
 
 template <std::size_t I> int EnumFromString(char const *text)
 {
-    Enumeration const *e = g_enums[I].load(std::memory_order_acquire);
-    if (e != nullptr)
-    {
-        int const index = MatchEnumeration(nullptr, *e, text ? text : "");
-        if (index >= 0)
-            return index;
-    }
-    throw CMxInvalidValueException(
-        FormatString("Invalid value [%s] for the enumeration %s", text, e ? e->name.c_str() : "?"));
+    CSchemaEnumeration const *e = g_enums[I].load(std::memory_order_acquire);
+    if (e == nullptr)
+        throw CMxInvalidValueException(FormatString("Invalid value [%s] for the enumeration ?", text));
+    return SchemaEnumerationFromString(*e, text);
 }
 
 template <std::size_t I> CSmartPtr<CXmlObjectBase> MakeByElement(CXmlElement *element)
@@ -631,6 +475,38 @@ CSmartPtr<CXmlObjectBase> SetData::MakeSubstitute(AbsSlot const &abs, CXmlElemen
     return Make(chosen, abs.nillable, element->GetLocalName().c_str(), element->GetNamespaceURI());
 }
 
+// The simple type whose facets a value stored in a property must meet, or
+// null: enumeration rows store the number of a value their functions found.
+ValueType const *FacetedValue(ClassDef const &c, int index)
+{
+    Property const &p = c.properties[static_cast<std::size_t>(index)];
+    if (p.holds != Property::Holds::Value)
+        return nullptr;
+    if (p.row >= 0)
+    {
+        ElementRow const &row = c.elements[static_cast<std::size_t>(p.row)];
+        return row.kind == RowKind::Enum ? nullptr : &row.value;
+    }
+    if (p.attribute >= 0)
+    {
+        AttributeRow const &a = c.attributes[static_cast<std::size_t>(p.attribute)];
+        return a.kind == AttributeRow::Kind::Enum ? nullptr : &a.value;
+    }
+    return index == c.simpleContentProperty ? &c.simpleContent : nullptr;
+}
+
+CSchemaValueType RuntimeValueType(ValueType const &v)
+{
+    CSchemaValueType t(v.variety == ValueType::Variety::List    ? CSchemaValueType::Variety::List
+                       : v.variety == ValueType::Variety::Union ? CSchemaValueType::Variety::Union
+                                                                : CSchemaValueType::Variety::Atomic,
+                       v.name.c_str(), v.itemType, v.whitespace, v.facets, v.enumeration, v.qname, v.listLength,
+                       v.listMinLength, v.listMaxLength);
+    for (ValueType const &item : v.items)
+        t.items.push_back(RuntimeValueType(item));
+    return t;
+}
+
 std::shared_ptr<SetData> Build(Model model)
 {
     // The classes of a loaded set are generated code of this library's own version.
@@ -645,6 +521,8 @@ std::shared_ptr<SetData> Build(Model model)
     if (data->slot < 0)
         throw CSchemaError("too many schema sets are loaded at once");
     for (Enumeration const &e : m.enumerations)
+        data->enumerations.push_back(CSchemaEnumeration{e.name, e.values, RuntimeValueType(e.type)});
+    for (CSchemaEnumeration const &e : data->enumerations)
     {
         int const s = EnumSlots().Take();
         if (s < 0)
@@ -702,23 +580,20 @@ std::shared_ptr<SetData> Build(Model model)
         }
         t.attributes.push_back(nullptr);
     }
-    auto compile = [&data](ValueType const &v) {
-        if (v.variety != ValueType::Variety::Atomic || v.enumeration >= 0 || v.itemType != ItemType_string ||
-            v.facets.pattern.empty())
-            return;
-        SetData::Pattern p{v.facets, nullptr};
-        p.otherFacets.pattern.clear();
-        std::string converted;
-        p.compiled = std::make_unique<CXsdPattern>(std::string(LocalToUtf8View(v.facets.pattern, converted)));
-        data->patterns.emplace(&v, std::move(p));
-    };
-    for (ClassDef const &c : m.classes)
+    data->propertyValueTypes.resize(m.classes.size());
+    for (std::size_t ci = 0; ci < m.classes.size(); ++ci)
     {
-        for (ElementRow const &r : c.elements)
-            compile(r.value);
-        for (AttributeRow const &a : c.attributes)
-            compile(a.value);
-        compile(c.simpleContent);
+        ClassDef const &c = m.classes[ci];
+        std::vector<int> &types = data->propertyValueTypes[ci];
+        for (std::size_t pi = 0; pi < c.properties.size(); ++pi)
+        {
+            ValueType const *v = FacetedValue(c, static_cast<int>(pi));
+            types.push_back(v == nullptr ? -1 : static_cast<int>(data->valueTypes.size()));
+            if (v == nullptr)
+                continue;
+            data->valueTypes.push_back(RuntimeValueType(*v));
+            data->valueTypes.back().PreparePattern();
+        }
     }
     // Published last: a factory that finds the set finds it whole.
     g_sets[static_cast<std::size_t>(data->slot)].store(data.get(), std::memory_order_release);
@@ -746,28 +621,6 @@ ClassDef const &CDynamicObject::GetClass() const
     return m_set->model.classes[static_cast<std::size_t>(m_class)];
 }
 
-namespace
-{
-// The facet check of a string with a pattern, as the run-time's check makes
-// it, but with the pattern compiled when the set loaded.
-void CheckCompiledPattern(char const *name, MxVariant const &value, Dynamic::SetData::Pattern const &pattern)
-{
-    CheckPrimitiveFacets(name, value, ItemType_string, pattern.otherFacets);
-    std::string const text = value.GetString();
-    bool matches;
-    try
-    {
-        matches = pattern.compiled->Matches(text);
-    }
-    catch (CMxException const &e)
-    {
-        throw CMxException(FormatString("%s\nInvalid Value for %s [%s].", e.GetMessage().c_str(), name, text.c_str()));
-    }
-    if (!matches)
-        throw CMxException(FormatString("Invalid Value for %s [%s].", name, text.c_str()));
-}
-} // namespace
-
 void CDynamicObject::AccessProperty(int index, bool read, MxVariant &value)
 {
     if (index < 0 || static_cast<std::size_t>(index) >= m_cells.size())
@@ -780,44 +633,11 @@ void CDynamicObject::AccessProperty(int index, bool read, MxVariant &value)
     // The rows convert without checking facets; a value that breaks them is
     // refused here, when it is stored, so that reading an invalid document
     // fails at the element or attribute that holds it.
-    if (ValueType const *type = FacetedValue(index); type != nullptr && value.GetTypeAsEnum() != ItemType_None &&
-                                                      !value.IsNil())
-    {
-        char const *name = GetClass().properties[static_cast<std::size_t>(index)].name.c_str();
-        auto const pattern = m_set->patterns.find(type);
-        if (pattern != m_set->patterns.end())
-            CheckCompiledPattern(name, value, pattern->second);
-        else if (type->variety == ValueType::Variety::Atomic && type->enumeration < 0)
-            CheckPrimitiveFacets(name, value, type->itemType, type->facets);
-        else
-        {
-            std::string const text =
-                value.GetTypeAsEnum() == ItemType_string ? value.GetString() : value.ToString();
-            Dynamic::Canonical(&m_set->model.enumerations, *type, text, name);
-            Dynamic::CheckMember(&m_set->model.enumerations, *type, text);
-        }
-    }
+    int const type = m_set->propertyValueTypes[static_cast<std::size_t>(m_class)][static_cast<std::size_t>(index)];
+    if (type >= 0)
+        CheckStoredSchemaValue(&m_set->enumerations, m_set->valueTypes[static_cast<std::size_t>(type)],
+                               GetClass().properties[static_cast<std::size_t>(index)].name.c_str(), value);
     m_cells[static_cast<std::size_t>(index)] = value;
-}
-
-ValueType const *CDynamicObject::FacetedValue(int index) const
-{
-    ClassDef const &c = GetClass();
-    Property const &p = c.properties[static_cast<std::size_t>(index)];
-    if (p.holds != Property::Holds::Value)
-        return nullptr;
-    // Enumeration rows store the number of a value their functions found.
-    if (p.row >= 0)
-    {
-        ElementRow const &row = c.elements[static_cast<std::size_t>(p.row)];
-        return row.kind == RowKind::Enum ? nullptr : &row.value;
-    }
-    if (p.attribute >= 0)
-    {
-        AttributeRow const &a = c.attributes[static_cast<std::size_t>(p.attribute)];
-        return a.kind == AttributeRow::Kind::Enum ? nullptr : &a.value;
-    }
-    return index == c.simpleContentProperty ? &c.simpleContent : nullptr;
 }
 
 CParentElementInfo *CDynamicObject::GetParentElementInfo()
@@ -944,56 +764,22 @@ void CDynamicObject::Reset(bool makeMandatoryChildren)
     }
 }
 
-namespace
-{
-bool HoldsQName(ValueType const &type)
-{
-    if (type.qname)
-        return true;
-    for (ValueType const &item : type.items)
-        if (HoldsQName(item))
-            return true;
-    return false;
-}
-} // namespace
-
 CXmlElement *CDynamicObject::FromXml_Int(CXmlElement *element, CXmlElement *cursor,
                                          CSerializationContext const &context, bool optionalChoice)
 {
     CXmlElement *const next = CXmlGeneratedClass::FromXml_Int(element, cursor, context, optionalChoice);
     m_prefixes.clear();
-    if (element == nullptr || element->GetDocument() == nullptr)
-        return next;
+    std::vector<int> const &types = m_set->propertyValueTypes[static_cast<std::size_t>(m_class)];
     for (std::size_t i = 0; i < m_cells.size(); ++i)
-    {
-        ValueType const *type = FacetedValue(static_cast<int>(i));
-        if (type == nullptr || !HoldsQName(*type) || m_cells[i].GetTypeAsEnum() != ItemType_string)
-            continue;
-        std::string const text = CWhitespaceUtils::ApplyRule(WhitespaceRule::Collapse, m_cells[i].GetString());
-        for (std::string const &item : Dynamic::Items(text))
-        {
-            std::size_t const colon = item.find(':');
-            if (colon == std::string::npos)
-                continue;
-            std::string const prefix = item.substr(0, colon);
-            std::string const uri = element->GetDocument()->LookupNamespaceFromAlias(prefix.c_str());
-            if (!uri.empty())
-                m_prefixes.emplace_back(prefix, uri);
-        }
-    }
+        if (types[i] >= 0)
+            CollectSchemaValuePrefixes(element, m_set->valueTypes[static_cast<std::size_t>(types[i])], m_cells[i],
+                                       m_prefixes);
     return next;
 }
 
 void CDynamicObject::AttributesToXml_Int(CXmlWriter *writer, CSerializationContext const &context) const
 {
-    // The writer declares a prefix only where a name uses it; a prefix in a
-    // value is declared by hand, and entered in the scope so that the writer
-    // does not take it for another namespace.
-    for (auto const &[prefix, uri] : m_prefixes)
-    {
-        writer->AddNamespace(prefix, uri);
-        writer->WriteAttribute("xmlns:" + prefix, std::string(), uri, ItemType_string);
-    }
+    DeclareSchemaValuePrefixes(writer, m_prefixes);
     CXmlGeneratedClass::AttributesToXml_Int(writer, context);
 }
 
@@ -1077,78 +863,19 @@ CSmartPtr<CXmlObjectBase> CSchemaSet::CreateFor(CXmlElement *root) const
     return CreateRoot(name, ns);
 }
 
-namespace
-{
-// Parses XML text or Fast Infoset, maybe compressed, or JSON by its XML
-// translation (strict or not as the document's context says), into `document`.
-// Returns whether the document came from JSON.
-bool LoadDocument(CXmlDocument &document, CBinaryData const &bytes)
-{
-    CBinaryData plain(bytes);
-    Decompress(plain);
-    bool const json = LooksLikeJson(plain);
-    if (json)
-    {
-        CBinaryData xml = document.LoadJsonStream(plain.GetData(), plain.GetLength());
-        document.LoadXmlStream(xml.GetData(), xml.GetLength());
-    }
-    else
-        document.LoadXmlStream(plain.GetData(), plain.GetLength());
-    if (document.GetDocumentElement() == nullptr)
-        throw CMxException("The document has no root element");
-    return json;
-}
-
-// JSON that is not a full round trip keeps no namespaces, so its elements
-// match by local name alone, as FromJson does.
-CSerializationContext ReadingContext(CSerializationContext const &context, bool json)
-{
-    CSerializationContext reading(context);
-    if (json && context.GetJsonContext().GetSupportRoundtrip() != RoundTripFull)
-        reading.SetIgnoreNamespaces(true);
-    return reading;
-}
-
-CSmartPtr<CXmlObjectBase> ReadInto(CSmartPtr<CXmlObjectBase> made, CXmlElement *root,
-                                   CSerializationContext const &context)
-{
-    if (dynamic_cast<CElement *>(made.Get()) != nullptr)
-        // An untyped element reads the element at the cursor, not its children.
-        CXmlObjectBase::FromXml_Int(made, root, root, context);
-    else
-        made->FromXmlElement(root, context);
-    return made;
-}
-} // namespace
-
 CSmartPtr<CXmlObjectBase> CSchemaSet::Read(CBinaryData const &bytes, CSerializationContext const &context) const
 {
-    CXmlDocument document(context);
-    bool const json = LoadDocument(document, bytes);
-    CXmlElement *root = document.GetDocumentElement();
-    return ReadInto(CreateFor(root), root, ReadingContext(context, json));
+    return ReadSchemaDocument(bytes, context, [this](CXmlElement *root) { return CreateFor(root); });
 }
 
 CSmartPtr<CXmlObjectBase> ReadUntyped(CBinaryData const &bytes, CSerializationContext const &context)
 {
-    CXmlDocument document(context);
-    bool const json = LoadDocument(document, bytes);
-    CXmlElement *root = document.GetDocumentElement();
-    return ReadInto(new CElement("document"), root, ReadingContext(context, json));
+    return ReadSchemaDocument(bytes, context, [](CXmlElement *) { return new CElement("document"); });
 }
 
 bool LooksLikeJson(CBinaryData const &bytes)
 {
-    unsigned char const *p = bytes.GetData();
-    unsigned long const n = bytes.GetLength();
-    unsigned long i = 0;
-    // A UTF-8 byte order mark may stand first.
-    if (n >= 3 && p[0] == 0xEF && p[1] == 0xBB && p[2] == 0xBF)
-        i = 3;
-    for (; i < n; ++i)
-        if (p[i] != ' ' && p[i] != '\t' && p[i] != '\r' && p[i] != '\n')
-            return p[i] == '{';
-    return false;
+    return LooksLikeJsonDocument(bytes);
 }
 
 } // namespace MxCompiler

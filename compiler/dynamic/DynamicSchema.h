@@ -70,8 +70,6 @@ protected:
 private:
     void Reset(bool makeMandatoryChildren);
     int PropertyIndex(std::string const &name) const;
-    // The simple type whose facets a stored value must meet, or null.
-    ValueType const *FacetedValue(int index) const;
 
     std::shared_ptr<Dynamic::SetData const> m_set;
     int m_class;
