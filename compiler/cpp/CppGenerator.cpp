@@ -894,7 +894,8 @@ private:
     {
         std::string const &here = n.cppNamespace;
         std::string out;
-        out += "MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> CreateByClassId(int classId, char const *elementName)\n"
+        out += "MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> CreateByClassId(int classId, [[maybe_unused]] char const "
+               "*elementName)\n"
                "{\n    switch (classId)\n    {\n";
         for (std::size_t ci = 0; ci < m.classes.size(); ++ci)
             for (bool nil : {false, true})
