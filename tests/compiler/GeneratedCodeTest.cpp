@@ -163,6 +163,13 @@ TEST(GeneratedCode, ChecksValuesAsTheLoadedSchema)
         {"every check passes", Record(" version=\"1.0\" size=\"2.0\"", " 1  2 3 ", "none", "0123", item + derived),
          nullptr},
         {"a union member other than the first", Record("", "1 2", " 42 ", "0999", item), nullptr},
+        // Neither back end holds a read value to the fixed one; a new object starts with it (version="1.0" below).
+        {"a fixed attribute with another value", Record(" version=\"2.0\"", "1 2", "none", "0123", item), nullptr},
+        {"a nil simple element with text",
+         "<p:record xmlns:p=\"urn:parity\" xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"><p:digits>1 2"
+         "</p:digits><p:count>1</p:count><p:code>0123</p:code><p:name>x</p:name><p:note xsi:nil=\"true\">t</p:note>"
+         "<p:item><t:size xmlns:t=\"urn:parity:types\">2</t:size></p:item></p:record>",
+         nullptr},
         {"a list too short", Record("", "1", "none", "0123", item),
          "The list [1] has 1 items, fewer than the 2 required"},
         {"a list item out of range", Record("", "1 10", "none", "0123", item), "Invalid Value for digits [10]"},

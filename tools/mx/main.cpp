@@ -3,6 +3,7 @@
 //   mx convert [--schema S.xsd]... [--to xml|json|fi] [--gzip|--zlib] [--json-compat] IN OUT
 //   mx check --schema S.xsd [--schema ...] DOC...
 //   mx describe --schema S.xsd [--schema ...]
+//   mx generate --schema S.xsd [--schema ...] --out DIR [--namespace URI=cpp::ns]... [--file-per-type]
 //
 // Exit status: 0 success, 1 a document or schema failed, 2 usage.
 

@@ -373,11 +373,9 @@ std::string RunGroup(std::string const &root, std::vector<Case const *> const &c
     return out;
 }
 
-// The group in a child process; a crash or a hang becomes the cause of
-// every case of the group.
-using Batch = std::vector<std::vector<Case const *>>;
-
-std::string RunGroupsIsolated(std::string const &root, Batch const &batch)
+// Runs `body` in a child process with a time limit. Returns whether it
+// ended well, with what it gave in `out`; otherwise `cause` says how it ended.
+bool RunInChild(unsigned seconds, std::function<std::string()> const &body, std::string &out, std::string &cause)
 {
     int pipeFds[2];
     if (pipe(pipeFds) != 0)
@@ -389,14 +387,12 @@ std::string RunGroupsIsolated(std::string const &root, Batch const &batch)
     if (child == 0)
     {
         close(pipeFds[0]);
-        alarm(kGroupSeconds * static_cast<unsigned>(batch.size()));
-        std::string out;
-        for (std::vector<Case const *> const &cases : batch)
-            out += RunGroup(root, cases);
+        alarm(seconds);
+        std::string const text = body();
         std::size_t done = 0;
-        while (done < out.size())
+        while (done < text.size())
         {
-            ssize_t const n = write(pipeFds[1], out.data() + done, out.size() - done);
+            ssize_t const n = write(pipeFds[1], text.data() + done, text.size() - done);
             if (n <= 0)
                 _exit(3);
             done += static_cast<std::size_t>(n);
@@ -407,7 +403,7 @@ std::string RunGroupsIsolated(std::string const &root, Batch const &batch)
         std::exit(0);
     }
     close(pipeFds[1]);
-    std::string out;
+    out.clear();
     char buffer[65536];
     for (;;)
     {
@@ -420,6 +416,28 @@ std::string RunGroupsIsolated(std::string const &root, Batch const &batch)
     int status = 0;
     waitpid(child, &status, 0);
     if (WIFEXITED(status) && WEXITSTATUS(status) == 0)
+        return true;
+    cause = WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM
+                ? "runner: the group took longer than " + std::to_string(kGroupSeconds) + " s"
+            : WIFSIGNALED(status) ? "runner: crashed with signal " + std::to_string(WTERMSIG(status))
+                                  : "runner: exit status " + std::to_string(WEXITSTATUS(status));
+    return false;
+}
+
+// The groups in a child process; a crash or a hang becomes the cause of
+// every case of the group.
+using Batch = std::vector<std::vector<Case const *>>;
+
+std::string RunGroupsIsolated(std::string const &root, Batch const &batch)
+{
+    std::string out, cause;
+    auto const body = [&] {
+        std::string text;
+        for (std::vector<Case const *> const &cases : batch)
+            text += RunGroup(root, cases);
+        return text;
+    };
+    if (RunInChild(kGroupSeconds * static_cast<unsigned>(batch.size()), body, out, cause))
         return out;
     // One group of the batch failed it: each group again on its own, so that
     // only that one is charged with it.
@@ -430,13 +448,8 @@ std::string RunGroupsIsolated(std::string const &root, Batch const &batch)
             out += RunGroupsIsolated(root, Batch{cases});
         return out;
     }
-    std::string const cause = WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM
-                                  ? "runner: the group took longer than " + std::to_string(kGroupSeconds) + " s"
-                              : WIFSIGNALED(status) ? "runner: crashed with signal " + std::to_string(WTERMSIG(status))
-                                                    : "runner: exit status " + std::to_string(WEXITSTATUS(status));
     out.clear();
-    for (std::vector<Case const *> const &cases : batch)
-    for (Case const *c : cases)
+    for (Case const *c : batch.front())
     {
         Leg xml, json, fi;
         xml.cause = json.cause = fi.cause = cause;
@@ -924,17 +937,7 @@ struct CompiledGroup
 std::string RunCompiledBatch(std::string const &root, std::string const &library,
                              std::vector<CompiledGroup const *> const &groups)
 {
-    int pipeFds[2];
-    if (pipe(pipeFds) != 0)
-        throw std::runtime_error("pipe failed");
-    std::fflush(nullptr);
-    pid_t const child = fork();
-    if (child < 0)
-        throw std::runtime_error("fork failed");
-    if (child == 0)
-    {
-        close(pipeFds[0]);
-        alarm(kGroupSeconds * static_cast<unsigned>(groups.size()));
+    auto const body = [&] {
         std::string out;
         void *handle = dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL);
         for (CompiledGroup const *g : groups)
@@ -963,31 +966,10 @@ std::string RunCompiledBatch(std::string const &root, std::string const &library
                     out += CompiledLine(*c, "differs", "runner: " + e.GetMessage());
             }
         }
-        std::size_t done = 0;
-        while (done < out.size())
-        {
-            ssize_t const n = write(pipeFds[1], out.data() + done, out.size() - done);
-            if (n <= 0)
-                _exit(3);
-            done += static_cast<std::size_t>(n);
-        }
-        close(pipeFds[1]);
-        std::exit(0);
-    }
-    close(pipeFds[1]);
-    std::string out;
-    char buffer[65536];
-    for (;;)
-    {
-        ssize_t const n = read(pipeFds[0], buffer, sizeof buffer);
-        if (n <= 0)
-            break;
-        out.append(buffer, static_cast<std::size_t>(n));
-    }
-    close(pipeFds[0]);
-    int status = 0;
-    waitpid(child, &status, 0);
-    if (WIFEXITED(status) && WEXITSTATUS(status) == 0)
+        return out;
+    };
+    std::string out, cause;
+    if (RunInChild(kGroupSeconds * static_cast<unsigned>(groups.size()), body, out, cause))
         return out;
     if (groups.size() > 1)
     {
@@ -996,10 +978,6 @@ std::string RunCompiledBatch(std::string const &root, std::string const &library
             out += RunCompiledBatch(root, library, {g});
         return out;
     }
-    std::string const cause = WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM
-                                  ? "runner: the group took longer than " + std::to_string(kGroupSeconds) + " s"
-                              : WIFSIGNALED(status) ? "runner: crashed with signal " + std::to_string(WTERMSIG(status))
-                                                    : "runner: exit status " + std::to_string(WEXITSTATUS(status));
     out.clear();
     for (Case const *c : groups.front()->cases)
         out += CompiledLine(*c, "differs", cause);
