@@ -644,7 +644,8 @@ private:
         }
         out += "};\n\nMxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> CreateByClassId(int classId, char const "
                "*elementName);\n"
-               "// An empty object for a global element of the schema, or null for one it does not declare.\n"
+               "// An empty object for a global element of the schema, mandatory children made down to where a\n"
+               "// class would contain itself; null for an element the schema does not declare.\n"
                "MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> CreateRoot(char const *name, char const *ns);\n"
                "// The object for the root element of a parsed document: its declaration, and its xsi:type where\n"
                "// it names a derivation. Raises CMxException for an element the schema does not declare.\n"
@@ -961,7 +962,7 @@ private:
                         "    {\n"
                         "        $class$ *made = new $class$(name);\n"
                         "        made->SetTargetNamespace(u);\n"
-                        "        made->Init();\n"
+                        "        MxXmlLib::InitSchemaTree(*made);\n"
                         "        return made;\n"
                         "    }\n",
                         v);

@@ -676,22 +676,6 @@ void CDynamicObject::Init()
     Reset(true);
 }
 
-void CDynamicObject::InitTree(std::vector<int> &chain)
-{
-    Init();
-    chain.push_back(m_class);
-    for (MxVariant &cell : m_cells)
-    {
-        auto *child = cell.GetTypeAsEnum() == ItemType_XmlObject
-                          ? dynamic_cast<CDynamicObject *>(cell.GetXmlObject().Get())
-                          : nullptr;
-        // A type that must contain itself gets one level: no document can fill more.
-        if (child != nullptr && std::find(chain.begin(), chain.end(), child->m_class) == chain.end())
-            child->InitTree(chain);
-    }
-    chain.pop_back();
-}
-
 void CDynamicObject::Reset(bool makeMandatoryChildren)
 {
     ClassDef const &c = GetClass();
@@ -838,8 +822,7 @@ CSmartPtr<CXmlObjectBase> CSchemaSet::CreateRoot(std::string const &name, std::s
     if (root.untyped)
         return new CElement(name.c_str(), ns.c_str(), "##any", ns.c_str());
     CSmartPtr<CXmlObjectBase> made = m_data->Make(root.classIndex, root.nillable, name.c_str(), ns);
-    std::vector<int> chain;
-    static_cast<CDynamicObject *>(made.Get())->InitTree(chain);
+    InitSchemaTree(*static_cast<CDynamicObject *>(made.Get()));
     return made;
 }
 

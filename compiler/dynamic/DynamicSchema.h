@@ -50,9 +50,6 @@ public:
     // The empty state: values unset, collections empty, mandatory children
     // made (but not filled in themselves: their own read does that).
     void Init() override;
-    // Init, and the same for every mandatory child, down to where a type
-    // would contain itself: an object that a program can fill and write.
-    void InitTree(std::vector<int> &chain);
     std::string GetNamespace() const override;
 
     CDynamicObject(std::shared_ptr<Dynamic::SetData const> set, int classIndex, char const *elementName,

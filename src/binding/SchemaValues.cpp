@@ -2,6 +2,7 @@
 
 #include "collections/Element.h"
 #include "document/XmlDocument.h"
+#include "metadata/ElementInfo.h"
 #include "document/XmlWriter.h"
 #include "json/JsonContext.h"
 #include "runtime/Compression.h"
@@ -270,6 +271,35 @@ void DeclareSchemaValuePrefixes(CXmlWriter *writer, SchemaValuePrefixes const &p
         writer->AddNamespace(prefix, uri);
         writer->WriteAttribute("xmlns:" + prefix, std::string(), uri, ItemType_string);
     }
+}
+
+namespace
+{
+void InitSchemaTree(CXmlGeneratedClass &object, std::vector<MxXmlLibData::CParentElementInfo const *> &chain)
+{
+    object.Init();
+    chain.push_back(object.GetParentElementInfo());
+    for (MxXmlLibData::CElementInfo **row = object.GetClassElementInfo(); row != nullptr && *row != nullptr; ++row)
+    {
+        int const property = (*row)->GetPropertyIndex();
+        if (property < 0)
+            continue;
+        MxVariant cell;
+        object.AccessProperty(property, true, cell);
+        auto *child = cell.GetTypeAsEnum() == ItemType_XmlObject
+                          ? dynamic_cast<CXmlGeneratedClass *>(cell.GetXmlObject().Get())
+                          : nullptr;
+        if (child != nullptr && std::find(chain.begin(), chain.end(), child->GetParentElementInfo()) == chain.end())
+            InitSchemaTree(*child, chain);
+    }
+    chain.pop_back();
+}
+} // namespace
+
+void InitSchemaTree(CXmlGeneratedClass &object)
+{
+    std::vector<MxXmlLibData::CParentElementInfo const *> chain;
+    InitSchemaTree(object, chain);
 }
 
 bool LooksLikeJsonDocument(CBinaryData const &bytes)

@@ -13,6 +13,7 @@
 // a value of it.
 
 #include "binding/SerializationContext.h"
+#include "binding/XmlGeneratedClass.h"
 #include "binding/XmlObjectBase.h"
 #include "values/BinaryData.h"
 #include "values/PrimitiveRestrictions.h"
@@ -114,6 +115,12 @@ using SchemaValuePrefixes = std::vector<std::pair<std::string, std::string>>; //
 void CollectSchemaValuePrefixes(CXmlElement const *element, CSchemaValueType const &type, MxVariant const &cell,
                                 SchemaValuePrefixes &prefixes);
 void DeclareSchemaValuePrefixes(CXmlWriter *writer, SchemaValuePrefixes const &prefixes);
+
+// Init, and the same for every child object that Init made, down to where a
+// class would contain itself: an object of a global element that a program
+// can fill and write. A child whose class is already on the way down gets
+// Init alone, since no document could fill more.
+void InitSchemaTree(CXmlGeneratedClass &object);
 
 // Whether bytes (after any compression) look like JSON rather than XML or
 // Fast Infoset: the first byte that is not white space is '{'.
