@@ -428,7 +428,7 @@ public:
                                            Open(n.classNamespaces[ci]) + ClassHeader(ci) +
                                            Close(n.classNamespaces[ci])});
             files.push_back({c + ".cpp", Banner() + "#include \"" + c + ".h\"\n\n" + Prelude(false, true) +
-                                             ClassSourceIn(ci, true) + "\n"});
+                                             ClassSourceIn(ci) + "\n"});
         }
         return files;
     }
@@ -813,18 +813,17 @@ private:
         out += Prelude(true, true);
         out += CommonSource();
         for (std::size_t ci = 0; ci < m.classes.size(); ++ci)
-            out += "\n" + ClassSourceIn(ci, false);
+            out += "\n" + ClassSourceIn(ci);
         return out;
     }
 
     // A class's definitions in its namespace, which sees the set's.
-    std::string ClassSourceIn(std::size_t ci, bool alone) const
+    std::string ClassSourceIn(std::size_t ci) const
     {
         std::string const &ns = n.classNamespaces[ci];
         std::string out = Open(ns);
         if (ns != n.cppNamespace)
             out += "using namespace ::" + n.cppNamespace + ";\n\n";
-        (void)alone;
         out += ClassSource(ci);
         return out + Close(ns);
     }
