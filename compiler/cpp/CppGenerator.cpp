@@ -2,6 +2,7 @@
 
 #include "frontend/XsdFrontend.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <set>
 #include <sstream>
@@ -239,10 +240,27 @@ std::string Unique(std::string const &wanted, std::set<std::string> &taken)
     return candidate;
 }
 
+// A C++ namespace from its spelling: each part between "::" an identifier.
+std::string NamespaceIdentifier(std::string const &ns)
+{
+    std::string qualified;
+    for (std::size_t from = 0;;)
+    {
+        std::size_t const at = ns.find("::", from);
+        qualified += Identifier(ns.substr(from, at == std::string::npos ? std::string::npos : at - from));
+        if (at == std::string::npos)
+            break;
+        qualified += "::";
+        from = at + 2;
+    }
+    return qualified;
+}
+
 struct Names
 {
-    std::string cppNamespace;
+    std::string cppNamespace;               // the set's: enumerations, class numbers, factories
     std::vector<std::string> classes;       // C<identifier>
+    std::vector<std::string> classNamespaces; // the C++ namespace of each class
     std::vector<bool> nillable;             // a nillable variant is made
     std::vector<std::string> enums;
     std::vector<std::vector<std::string>> enumerators;
@@ -262,23 +280,18 @@ Names Decide(Model const &model, CppOptions const &options)
     }
     if (ns.empty())
         ns = options.baseName;
-    // A nested namespace keeps its "::"; each part becomes an identifier.
-    std::string qualified;
-    for (std::size_t from = 0;;)
-    {
-        std::size_t const at = ns.find("::", from);
-        qualified += Identifier(ns.substr(from, at == std::string::npos ? std::string::npos : at - from));
-        if (at == std::string::npos)
-            break;
-        qualified += "::";
-        from = at + 2;
-    }
-    names.cppNamespace = qualified;
+    names.cppNamespace = NamespaceIdentifier(ns);
 
-    std::set<std::string> types = {"ClassId", "CFactory", "Rule", "NoFacets", "CreateByClassId", "CreateRoot",
-                                   "CleanAllMetaData"};
+    std::set<std::string> types = {"ClassId",  "CFactory",     "Rule",      "NoFacets", "CreateByClassId",
+                                   "CreateRoot", "CreateFor",  "Read",      "CleanAllMetaData",
+                                   "CSchemaValueTables", "SchemaValues", "Variety", "CheckValue", "ObjectIn"};
     for (ClassDef const &c : model.classes)
+    {
         names.classes.push_back(Unique("C" + Identifier(c.identifier), types));
+        auto const mapped = options.namespaces.find(c.ns);
+        names.classNamespaces.push_back(mapped == options.namespaces.end() ? names.cppNamespace
+                                                                           : NamespaceIdentifier(mapped->second));
+    }
     for (Enumeration const &e : model.enumerations)
     {
         names.enums.push_back(Unique(Pascal(e.name), types));
@@ -294,24 +307,29 @@ Names Decide(Model const &model, CppOptions const &options)
         for (int i : all)
             names.nillable[static_cast<std::size_t>(i)] = true;
     };
+    auto addFactory = [&](int cls, bool nillable) {
+        std::pair<int, bool> const key{cls, nillable};
+        for (auto const &f : names.substitutionFactories)
+            if (f == key)
+                return;
+        names.substitutionFactories.push_back(key);
+    };
     for (ClassDef const &c : model.classes)
         for (ElementRow const &r : c.elements)
         {
             if (r.nillable && (r.kind == RowKind::Cls || r.kind == RowKind::AbsCls))
                 markNillable(r.classIndex, r.kind == RowKind::AbsCls);
             if (r.kind == RowKind::AbsCls)
-            {
-                std::pair<int, bool> const key{r.classIndex, r.nillable};
-                bool known = false;
-                for (auto const &f : names.substitutionFactories)
-                    known = known || f == key;
-                if (!known)
-                    names.substitutionFactories.push_back(key);
-            }
+                addFactory(r.classIndex, r.nillable);
         }
     for (RootElement const &r : model.roots)
+    {
         if (r.nillable && r.classIndex >= 0)
             markNillable(r.classIndex, true);
+        // A root's xsi:type may name a derivation.
+        if (r.classIndex >= 0 && !r.untyped)
+            addFactory(r.classIndex, r.nillable);
+    }
     for (ClassDef const &c : model.classes)
     {
         std::set<std::string> taken;
@@ -329,17 +347,90 @@ Names Decide(Model const &model, CppOptions const &options)
     return names;
 }
 
+// The simple type whose facets a value stored in a property must meet, or
+// null: enumeration rows store the number of a value their functions found.
+// The run-time back end asks the same question of the same model.
+ValueType const *FacetedValue(ClassDef const &c, std::size_t index)
+{
+    Property const &p = c.properties[index];
+    if (p.holds != Property::Holds::Value)
+        return nullptr;
+    if (p.row >= 0)
+    {
+        ElementRow const &row = c.elements[static_cast<std::size_t>(p.row)];
+        return row.kind == RowKind::Enum ? nullptr : &row.value;
+    }
+    if (p.attribute >= 0)
+    {
+        AttributeRow const &a = c.attributes[static_cast<std::size_t>(p.attribute)];
+        return a.kind == AttributeRow::Kind::Enum ? nullptr : &a.value;
+    }
+    return static_cast<int>(index) == c.simpleContentProperty ? &c.simpleContent : nullptr;
+}
+
+bool HoldsQName(ValueType const &type)
+{
+    if (type.qname)
+        return true;
+    for (ValueType const &item : type.items)
+        if (HoldsQName(item))
+            return true;
+    return false;
+}
+
 // ---------------------------------------------------------------------------
 // Printing
 
 class Generator
 {
 public:
-    Generator(Model const &model, CppOptions const &options) : m(model), o(options), n(Decide(model, options)) {}
+    Generator(Model const &model, CppOptions const &options) : m(model), o(options), n(Decide(model, options))
+    {
+        // The value types that stored values are checked against, one entry
+        // per distinct type, in model order.
+        std::map<std::string, int> seen;
+        for (ClassDef const &c : m.classes)
+        {
+            std::vector<int> types;
+            for (std::size_t pi = 0; pi < c.properties.size(); ++pi)
+            {
+                ValueType const *v = FacetedValue(c, pi);
+                if (v == nullptr)
+                {
+                    types.push_back(-1);
+                    continue;
+                }
+                std::string const expr = ValueExpression(*v, "        ");
+                auto const found = seen.emplace(expr, static_cast<int>(m_valueTypes.size()));
+                if (found.second)
+                    m_valueTypes.push_back(expr);
+                types.push_back(found.first->second);
+            }
+            m_propertyTypes.push_back(types);
+        }
+    }
 
     std::vector<GeneratedFile> Run()
     {
-        return {{o.baseName + ".h", Header()}, {o.baseName + ".cpp", Source()}};
+        if (!o.filePerType)
+            return {{o.baseName + ".h", Header()}, {o.baseName + ".cpp", Source()}};
+        std::vector<GeneratedFile> files;
+        std::string header = CommonHeader() + "\n";
+        for (std::size_t ci = 0; ci < m.classes.size(); ++ci)
+            header += "#include \"" + n.classes[ci] + ".h\"\n";
+        files.push_back({o.baseName + ".h", header});
+        files.push_back({o.baseName + ".cpp", Banner() + "#include \"" + o.baseName + ".h\"\n\n" + Prelude(true, false) +
+                                                  CommonSource()});
+        for (std::size_t ci = 0; ci < m.classes.size(); ++ci)
+        {
+            std::string const &c = n.classes[ci];
+            files.push_back({c + ".h", Banner() + "#pragma once\n\n#include \"" + o.baseName + ".h\"\n\n" +
+                                           Open(n.classNamespaces[ci]) + ClassHeader(ci) +
+                                           Close(n.classNamespaces[ci])});
+            files.push_back({c + ".cpp", Banner() + "#include \"" + c + ".h\"\n\n" + Prelude(false, true) +
+                                             ClassSourceIn(ci) + "\n"});
+        }
+        return files;
     }
 
 private:
@@ -351,14 +442,23 @@ private:
         return "// Generated by mx generate from " + schemas + ".\n// Do not edit: generate again from the schema.\n\n";
     }
 
+    static std::string Open(std::string const &ns) { return "namespace " + ns + "\n{\n\n"; }
+    static std::string Close(std::string const &ns) { return "} // namespace " + ns + "\n"; }
+
     std::string const &ClassName(int index) const { return n.classes[static_cast<std::size_t>(index)]; }
+    // The name of a class as code in the namespace `from` writes it.
+    std::string ClassRef(int index, std::string const &from) const
+    {
+        std::string const &ns = n.classNamespaces[static_cast<std::size_t>(index)];
+        return ns == from ? ClassName(index) : "::" + ns + "::" + ClassName(index);
+    }
     std::string ClassId(int index, bool nillable) const
     {
         return "ClassId_" + ClassName(index).substr(1) + (nillable ? "_Nillable" : "");
     }
-    std::string ConcreteName(int index, bool nillable) const
+    std::string ConcreteName(int index, bool nillable, std::string const &from) const
     {
-        return ClassName(index) + (nillable ? "_Nillable" : "");
+        return ClassRef(index, from) + (nillable ? "_Nillable" : "");
     }
     std::string SubstitutionFactory(int base, bool nillable) const
     {
@@ -366,10 +466,43 @@ private:
     }
     std::string EnumName(int e) const { return n.enums[static_cast<std::size_t>(e)]; }
 
+    static char const *VarietyName(ValueType::Variety v)
+    {
+        switch (v)
+        {
+        case ValueType::Variety::List:
+            return "Variety::List";
+        case ValueType::Variety::Union:
+            return "Variety::Union";
+        case ValueType::Variety::Atomic:
+            break;
+        }
+        return "Variety::Atomic";
+    }
+
+    // A value type as the run-time's checks take it, as an expression.
+    static std::string ValueExpression(ValueType const &v, std::string const &indent)
+    {
+        std::string out = "MxXmlLib::CSchemaValueType(" + std::string(VarietyName(v.variety)) + ", " + Literal(v.name) +
+                          ", MxXmlLib::ItemType_" + ItemTypeName(v.itemType) + ", " + RuleName(v.whitespace) + ", " +
+                          Restrictions(v.facets) + ", " + std::to_string(v.enumeration) + ", " +
+                          (v.qname ? "true" : "false") + ", " + std::to_string(v.listLength) + ", " +
+                          std::to_string(v.listMinLength) + ", " + std::to_string(v.listMaxLength);
+        if (!v.items.empty())
+        {
+            out += ",\n" + indent + "    {";
+            for (std::size_t i = 0; i < v.items.size(); ++i)
+                out += (i ? ",\n" + indent + "     " : std::string()) + ValueExpression(v.items[i], indent + "     ");
+            out += "}";
+        }
+        return out + ")";
+    }
+
     // The accessors of one property, declared in the class.
     std::string Declarations(std::size_t ci) const
     {
         ClassDef const &c = m.classes[ci];
+        std::string const &here = n.classNamespaces[ci];
         std::string out;
         for (std::size_t pi = 0; pi < c.properties.size(); ++pi)
         {
@@ -381,7 +514,7 @@ private:
             {
             case Property::Holds::Value:
                 if (value != nullptr && value->enumeration >= 0)
-                    type = EnumName(value->enumeration);
+                    type = EnumRef(value->enumeration, here);
                 else
                     type = Face(value ? value->itemType : MxXmlLib::ItemType_string).type;
                 v["type"] = type;
@@ -397,7 +530,7 @@ private:
             case Property::Holds::MandatoryObject:
             {
                 ElementRow const &r = c.elements[static_cast<std::size_t>(p.row)];
-                v["type"] = ClassName(r.classIndex);
+                v["type"] = ClassRef(r.classIndex, here);
                 out += Fill("    // $xml$\n"
                             "    MxXmlLib::CSmartPtr<$type$> Get$name$() const;\n"
                             "    void Set$name$($type$ *value);\n",
@@ -407,7 +540,7 @@ private:
             case Property::Holds::ObjectCol:
             {
                 ElementRow const &r = c.elements[static_cast<std::size_t>(p.row)];
-                v["type"] = ClassName(r.classIndex);
+                v["type"] = ClassRef(r.classIndex, here);
                 out += Fill("    // $xml$, repeated\n"
                             "    MxXmlLib::CObjectCol *Get$name$() const;\n"
                             "    int Get$name$Count() const;\n"
@@ -442,6 +575,12 @@ private:
         return out;
     }
 
+    // Enumerations live in the set's namespace.
+    std::string EnumRef(int e, std::string const &from) const
+    {
+        return from == n.cppNamespace ? EnumName(e) : "::" + n.cppNamespace + "::" + EnumName(e);
+    }
+
     static ValueType const *ValueOf(ClassDef const &c, Property const &p)
     {
         if (p.row >= 0)
@@ -453,12 +592,40 @@ private:
         return nullptr;
     }
 
-    std::string Header() const
+    bool HasQNames(std::size_t ci) const
+    {
+        ClassDef const &c = m.classes[ci];
+        for (std::size_t pi = 0; pi < c.properties.size(); ++pi)
+            if (ValueType const *v = FacetedValue(c, pi); v != nullptr && HoldsQName(*v))
+                return true;
+        return false;
+    }
+
+    // The declarations that every class of the set needs: enumerations,
+    // class numbers, factories, the value types, and every class by name.
+    std::string CommonHeader() const
     {
         std::string out = Banner();
         out += "#pragma once\n\n#include \"MxXmlLib.h\"\n#include \"collections/GeneratedCollections.h\"\n\n"
-               "#include <cstdint>\n#include <string>\n#include <utility>\n\n";
-        out += "namespace " + n.cppNamespace + "\n{\n\n";
+               "#include <cstdint>\n#include <string>\n#include <utility>\n#include <vector>\n\n";
+        // Every class by name, namespace by namespace in the order they first appear.
+        std::vector<std::string> order;
+        for (std::string const &ns : n.classNamespaces)
+            if (std::find(order.begin(), order.end(), ns) == order.end())
+                order.push_back(ns);
+        if (std::find(order.begin(), order.end(), n.cppNamespace) == order.end())
+            order.insert(order.begin(), n.cppNamespace);
+        for (std::string const &ns : order)
+        {
+            if (ns == n.cppNamespace)
+                continue;
+            out += Open(ns);
+            for (std::size_t ci = 0; ci < m.classes.size(); ++ci)
+                if (n.classNamespaces[ci] == ns)
+                    out += "class " + n.classes[ci] + ";\n";
+            out += "\n" + Close(ns) + "\n";
+        }
+        out += Open(n.cppNamespace);
         for (std::size_t e = 0; e < m.enumerations.size(); ++e)
         {
             out += "enum class " + n.enums[e] + "\n{\n";
@@ -477,101 +644,231 @@ private:
         }
         out += "};\n\nMxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> CreateByClassId(int classId, char const "
                "*elementName);\n"
-               "// An empty object for a global element of the schema, or null for one it does not declare.\n"
+               "// An empty object for a global element of the schema, mandatory children made down to where a\n"
+               "// class would contain itself; null for an element the schema does not declare.\n"
                "MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> CreateRoot(char const *name, char const *ns);\n"
-               "// Releases the tables of every class; the next use builds them again.\nvoid CleanAllMetaData();\n\n";
-        for (std::string const &c : n.classes)
-            out += "class " + c + ";\n";
-        out += "\n";
+               "// The object for the root element of a parsed document: its declaration, and its xsi:type where\n"
+               "// it names a derivation. Raises CMxException for an element the schema does not declare.\n"
+               "MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> CreateFor(MxXmlLib::CXmlElement *root);\n"
+               "// Reads a document (XML text or Fast Infoset, maybe compressed, or JSON) into the object its\n"
+               "// root element declares.\n"
+               "MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> Read(MxXmlLib::CBinaryData const &bytes,\n"
+               "                                                   MxXmlLib::CSerializationContext const &context);\n"
+               "// Releases the tables of every class; the next use builds them again.\nvoid CleanAllMetaData();\n\n"
+               "// The simple types whose values the classes check when they are stored, and the enumerations.\n"
+               "struct CSchemaValueTables\n{\n    MxXmlLib::CSchemaEnumerations enumerations;\n"
+               "    std::vector<MxXmlLib::CSchemaValueType> types;\n};\n"
+               "CSchemaValueTables const &SchemaValues();\n\n";
+        out += "// The factories the rows hold.\n"
+               "class CFactory : public MxXmlLib::CClassfactoryBase\n{\npublic:\n";
+        for (auto const &[base, nillable] : n.substitutionFactories)
+            out += "    static MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> MakeSubstituteOf" +
+                   ClassName(base).substr(1) + (nillable ? "_Nillable" : "") + "(MxXmlLib::CXmlElement *element);\n";
+        out += "    static MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> MakeRoot(MxXmlLib::CXmlElement *root);\n";
+        out += "};\n\n";
         for (std::size_t ci = 0; ci < m.classes.size(); ++ci)
-        {
-            ClassDef const &c = m.classes[ci];
-            std::map<std::string, std::string> v = {
-                {"class", n.classes[ci]},
-                {"element", Literal(c.defaultElementName)},
-                {"origin", c.origin},
-                {"cells", std::to_string(std::max<std::size_t>(1, c.properties.size()))},
-                {"accessors", Declarations(ci)}};
-            out += Fill("// $origin$\n"
-                        "class $class$ : public MxXmlLib::CXmlGeneratedClass\n"
+            if (n.classNamespaces[ci] == n.cppNamespace)
+                out += "class " + n.classes[ci] + ";\n";
+        out += "\n" + Close(n.cppNamespace);
+        return out;
+    }
+
+    std::string ClassHeader(std::size_t ci) const
+    {
+        ClassDef const &c = m.classes[ci];
+        bool const qnames = HasQNames(ci);
+        std::map<std::string, std::string> v = {
+            {"class", n.classes[ci]},
+            {"element", Literal(c.defaultElementName)},
+            {"origin", c.origin},
+            {"cells", std::to_string(std::max<std::size_t>(1, c.properties.size()))},
+            {"accessors", Declarations(ci)},
+            {"qnames", qnames ? "    // QName values keep their prefixes: reading notes what each stands for,\n"
+                                "    // and writing declares them on this element.\n"
+                                "    MxXmlLib::CXmlElement *FromXml_Int(MxXmlLib::CXmlElement *element, "
+                                "MxXmlLib::CXmlElement *cursor,\n"
+                                "                                       MxXmlLib::CSerializationContext const "
+                                "&context, bool optionalChoice) override;\n"
+                                "    void AttributesToXml_Int(MxXmlLib::CXmlWriter *writer,\n"
+                                "                             MxXmlLib::CSerializationContext const &context) const "
+                                "override;\n"
+                              : ""},
+            {"prefixes", qnames ? "    MxXmlLib::SchemaValuePrefixes m_prefixes;\n" : ""}};
+        std::string out = Fill("// $origin$\n"
+                               "class $class$ : public MxXmlLib::CXmlGeneratedClass\n"
+                               "{\n"
+                               "public:\n"
+                               "    explicit $class$(char const *elementName = $element$);\n"
+                               "    MxXmlLib::CXmlObjectBase *GetBase() override { return this; }\n"
+                               "    using MxXmlLib::CXmlObjectBase::GetBase;\n"
+                               "    std::string GetNamespace() const override;\n"
+                               "    void SetTargetNamespace(std::string ns) { m_targetNamespace = std::move(ns); }\n"
+                               "\n"
+                               "$accessors$"
+                               "\n"
+                               "    void AccessProperty(int index, bool read, MxXmlLib::MxVariant &value) override;\n"
+                               "    MxXmlLibData::CParentElementInfo *GetParentElementInfo() override;\n"
+                               "    MxXmlLibData::CElementInfo **GetClassElementInfo() override;\n"
+                               "    MxXmlLibData::CAttributeInfo **GetClassAttributeInfo() override;\n"
+                               "    void Init() override;\n"
+                               "    static void CleanMetaData();\n"
+                               "\n"
+                               "protected:\n"
+                               "    ~$class$() override;\n"
+                               "    std::string GetTargetNamespace() const override { return m_targetNamespace; }\n"
+                               "$qnames$"
+                               "\n"
+                               "private:\n"
+                               "    void Reset(bool makeMandatoryChildren);\n"
+                               "\n"
+                               "    MxXmlLib::MxVariant m_cells[$cells$];\n"
+                               "    std::string m_targetNamespace;\n"
+                               "$prefixes$"
+                               "};\n\n",
+                               v);
+        if (n.nillable[ci])
+            out += Fill("// $class$ where the element is nillable.\n"
+                        "class $class$_Nillable : public $class$, public MxXmlLib::INillable\n"
                         "{\n"
                         "public:\n"
-                        "    explicit $class$(char const *elementName = $element$);\n"
-                        "    MxXmlLib::CXmlObjectBase *GetBase() override { return this; }\n"
-                        "    using MxXmlLib::CXmlObjectBase::GetBase;\n"
-                        "    std::string GetNamespace() const override;\n"
-                        "    void SetTargetNamespace(std::string ns) { m_targetNamespace = std::move(ns); }\n"
-                        "\n"
-                        "$accessors$"
-                        "\n"
-                        "    void AccessProperty(int index, bool read, MxXmlLib::MxVariant &value) override;\n"
-                        "    MxXmlLibData::CParentElementInfo *GetParentElementInfo() override;\n"
-                        "    MxXmlLibData::CElementInfo **GetClassElementInfo() override;\n"
-                        "    MxXmlLibData::CAttributeInfo **GetClassAttributeInfo() override;\n"
-                        "    void Init() override;\n"
-                        "    static void CleanMetaData();\n"
-                        "\n"
-                        "protected:\n"
-                        "    ~$class$() override;\n"
-                        "    std::string GetTargetNamespace() const override { return m_targetNamespace; }\n"
+                        "    using $class$::$class$;\n"
+                        "    bool IsNil() override { return m_nil; }\n"
+                        "    void SetNil(bool nil) override { m_nil = nil; }\n"
+                        "    void Init() override\n"
+                        "    {\n"
+                        "        m_nil = false;\n"
+                        "        $class$::Init();\n"
+                        "    }\n"
                         "\n"
                         "private:\n"
-                        "    void Reset(bool makeMandatoryChildren);\n"
-                        "\n"
-                        "    MxXmlLib::MxVariant m_cells[$cells$];\n"
-                        "    std::string m_targetNamespace;\n"
+                        "    bool m_nil = false;\n"
                         "};\n\n",
                         v);
-            if (n.nillable[ci])
-                out += Fill("// $class$ where the element is nillable.\n"
-                            "class $class$_Nillable : public $class$, public MxXmlLib::INillable\n"
-                            "{\n"
-                            "public:\n"
-                            "    using $class$::$class$;\n"
-                            "    bool IsNil() override { return m_nil; }\n"
-                            "    void SetNil(bool nil) override { m_nil = nil; }\n"
-                            "    void Init() override\n"
-                            "    {\n"
-                            "        m_nil = false;\n"
-                            "        $class$::Init();\n"
-                            "    }\n"
-                            "\n"
-                            "private:\n"
-                            "    bool m_nil = false;\n"
-                            "};\n\n",
-                            v);
+        return out;
+    }
+
+    std::string Header() const
+    {
+        std::string out = CommonHeader();
+        // Classes grouped by namespace, each group in model order.
+        std::string open;
+        for (std::size_t ci = 0; ci < m.classes.size(); ++ci)
+        {
+            std::string const &ns = n.classNamespaces[ci];
+            if (ns != open)
+            {
+                if (!open.empty())
+                    out += Close(open);
+                out += "\n" + Open(ns);
+                open = ns;
+            }
+            out += ClassHeader(ci);
         }
-        out += "} // namespace " + n.cppNamespace + "\n";
+        if (!open.empty())
+            out += Close(open);
         return out;
     }
 
     // ---- source
 
+    // What the sources share, file-local: the row classes' names, the
+    // whitespace rules, and small helpers.
+    std::string Prelude(bool common, bool classes) const
+    {
+        std::string out = "#include <cstring>\n\n" + Open(n.cppNamespace) +
+                          "using namespace MxXmlLibData;\n"
+                          "using Rule = MxXmlLib::CWhitespaceUtils::WhitespaceRule;\n\n"
+                          "namespace\n{\n"
+                          "[[maybe_unused]] MxXmlLib::CPrimitiveRestrictions NoFacets()\n{\n"
+                          "    return MxXmlLib::CPrimitiveRestrictions(nullptr, -1, -1, nullptr, nullptr, nullptr, "
+                          "nullptr, -1, -1, -1);\n}\n\n";
+        if (common)
+            out += "using Variety = MxXmlLib::CSchemaValueType::Variety;\n\n"
+                   "// An object that a substitution factory makes takes the namespace of its element.\n"
+                   "template <typename T>\n"
+                   "MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> Named(T *object, MxXmlLib::CXmlElement *element)\n"
+                   "{\n"
+                   "    object->SetTargetNamespace(element->GetNamespaceURI());\n"
+                   "    return object;\n"
+                   "}\n";
+        if (classes)
+            out += std::string(common ? "\n" : "") +
+                   "template <typename T> MxXmlLib::CSmartPtr<T> ObjectIn(MxXmlLib::MxVariant const &cell)\n{\n"
+                   "    return dynamic_cast<T *>(cell.GetXmlObject().Get());\n}\n\n"
+                   "// The checks of a value about to be stored, as the run-time makes them for a loaded schema.\n"
+                   "[[maybe_unused]] void CheckValue(int type, char const *name, MxXmlLib::MxVariant const &value)\n"
+                   "{\n"
+                   "    CSchemaValueTables const &tables = SchemaValues();\n"
+                   "    MxXmlLib::CheckStoredSchemaValue(&tables.enumerations, "
+                   "tables.types[static_cast<std::size_t>(type)], name, value);\n"
+                   "}\n";
+        out += "} // namespace\n\n" + Close(n.cppNamespace) + "\n";
+        return out;
+    }
+
     std::string Source() const
     {
         std::string out = Banner();
-        out += "#include \"" + o.baseName + ".h\"\n\n#include <cstring>\n\n";
-        out += "namespace " + n.cppNamespace + "\n{\n\n"
-               "using namespace MxXmlLibData;\n"
-               "using Rule = MxXmlLib::CWhitespaceUtils::WhitespaceRule;\n\n"
-               "namespace\n{\n"
-               "[[maybe_unused]] MxXmlLib::CPrimitiveRestrictions NoFacets()\n{\n"
-               "    return MxXmlLib::CPrimitiveRestrictions(nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1, "
-               "-1, -1);\n}\n\n"
-               "template <typename T> MxXmlLib::CSmartPtr<T> ObjectIn(MxXmlLib::MxVariant const &cell)\n{\n"
-               "    return dynamic_cast<T *>(cell.GetXmlObject().Get());\n}\n";
+        out += "#include \"" + o.baseName + ".h\"\n\n";
+        out += Prelude(true, true);
+        out += CommonSource();
         for (std::size_t ci = 0; ci < m.classes.size(); ++ci)
-            out += "MxXmlLib::CClassTables g_tables" + n.classes[ci] + ";\n";
-        out += "} // namespace\n\n";
+            out += "\n" + ClassSourceIn(ci);
+        return out;
+    }
+
+    // A class's definitions in its namespace, which sees the set's.
+    std::string ClassSourceIn(std::size_t ci) const
+    {
+        std::string const &ns = n.classNamespaces[ci];
+        std::string out = Open(ns);
+        if (ns != n.cppNamespace)
+            out += "using namespace ::" + n.cppNamespace + ";\n\n";
+        out += ClassSource(ci);
+        return out + Close(ns);
+    }
+
+    std::string CommonSource() const
+    {
+        std::string out = Open(n.cppNamespace);
+        out += ValueTables();
         out += Enumerations();
         out += Factories();
-        for (std::size_t ci = 0; ci < m.classes.size(); ++ci)
-            out += ClassSource(ci);
         out += "void CleanAllMetaData()\n{\n";
-        for (std::string const &c : n.classes)
-            out += "    " + c + "::CleanMetaData();\n";
-        out += "}\n\n} // namespace " + n.cppNamespace + "\n";
+        for (std::size_t ci = 0; ci < m.classes.size(); ++ci)
+            out += "    " + ClassRef(static_cast<int>(ci), n.cppNamespace) + "::CleanMetaData();\n";
+        out += "}\n\n" + Close(n.cppNamespace);
         return out;
+    }
+
+    std::string ValueTables() const
+    {
+        std::string enumerations;
+        for (Enumeration const &e : m.enumerations)
+        {
+            std::string values;
+            for (std::string const &value : e.values)
+                values += (values.empty() ? "" : ", ") + Literal(value);
+            enumerations += "        {" + Literal(e.name) + ",\n         {" + values + "},\n         " +
+                            ValueExpression(e.type, "         ") + "},\n";
+        }
+        std::string types;
+        for (std::string const &t : m_valueTypes)
+            types += "        " + t + ",\n";
+        return Fill("CSchemaValueTables const &SchemaValues()\n"
+                    "{\n"
+                    "    static CSchemaValueTables const tables = [] {\n"
+                    "        CSchemaValueTables t;\n"
+                    "        t.enumerations = {\n$enumerations$        };\n"
+                    "        t.types = {\n$types$        };\n"
+                    "        // Patterns of string values are compiled once.\n"
+                    "        for (MxXmlLib::CSchemaValueType &type : t.types)\n"
+                    "            type.PreparePattern();\n"
+                    "        return t;\n"
+                    "    }();\n"
+                    "    return tables;\n"
+                    "}\n\n",
+                    {{"enumerations", enumerations}, {"types", types}});
     }
 
     std::string Enumerations() const
@@ -579,25 +876,14 @@ private:
         std::string out;
         for (std::size_t e = 0; e < m.enumerations.size(); ++e)
         {
-            Enumeration const &en = m.enumerations[e];
-            std::string values;
-            for (std::string const &value : en.values)
-                values += "    " + Literal(value) + ",\n";
-            std::map<std::string, std::string> v = {
-                {"enum", n.enums[e]}, {"values", values}, {"xml", Literal(en.name)}};
-            out += Fill("namespace\n{\nchar const *const k$enum$Values[] = {\n$values$};\n} // namespace\n\n"
-                        "char const *$enum$ToString(int value)\n"
+            std::map<std::string, std::string> v = {{"enum", n.enums[e]}, {"i", std::to_string(e)}};
+            out += Fill("char const *$enum$ToString(int value)\n"
                         "{\n"
-                        "    int const count = static_cast<int>(sizeof k$enum$Values / sizeof *k$enum$Values);\n"
-                        "    return value >= 0 && value < count ? k$enum$Values[value] : \"\";\n"
+                        "    return MxXmlLib::SchemaEnumerationToString(SchemaValues().enumerations[$i$], value);\n"
                         "}\n\n"
                         "int $enum$FromString(char const *text)\n"
                         "{\n"
-                        "    for (std::size_t i = 0; i < sizeof k$enum$Values / sizeof *k$enum$Values; ++i)\n"
-                        "        if (std::strcmp(k$enum$Values[i], text) == 0)\n"
-                        "            return static_cast<int>(i);\n"
-                        "    throw MxXmlLib::CMxInvalidValueException(\n"
-                        "        MxXmlLib::FormatString(\"Invalid value [%s] for the enumeration %s\", text, $xml$));\n"
+                        "    return MxXmlLib::SchemaEnumerationFromString(SchemaValues().enumerations[$i$], text);\n"
                         "}\n\n",
                         v);
         }
@@ -606,13 +892,10 @@ private:
 
     std::string Factories() const
     {
-        std::string out = "// The factories the rows hold.\n"
-                          "class CFactory : public MxXmlLib::CClassfactoryBase\n{\npublic:\n";
-        for (auto const &[base, nillable] : n.substitutionFactories)
-            out += "    static MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> MakeSubstituteOf" +
-                   ClassName(base).substr(1) + (nillable ? "_Nillable" : "") + "(MxXmlLib::CXmlElement *element);\n";
-        out += "};\n\n";
-        out += "MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> CreateByClassId(int classId, char const *elementName)\n"
+        std::string const &here = n.cppNamespace;
+        std::string out;
+        out += "MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> CreateByClassId(int classId, [[maybe_unused]] char const "
+               "*elementName)\n"
                "{\n    switch (classId)\n    {\n";
         for (std::size_t ci = 0; ci < m.classes.size(); ++ci)
             for (bool nil : {false, true})
@@ -620,7 +903,7 @@ private:
                 if (nil && !n.nillable[ci])
                     continue;
                 out += "    case " + ClassId(static_cast<int>(ci), nil) + ":\n        return new " +
-                       ConcreteName(static_cast<int>(ci), nil) + "(elementName);\n";
+                       ConcreteName(static_cast<int>(ci), nil, here) + "(elementName);\n";
             }
         out += "    default:\n        return nullptr;\n    }\n}\n\n";
         for (auto const &[base, nillable] : n.substitutionFactories)
@@ -631,15 +914,17 @@ private:
                 ClassDef const &c = m.classes[static_cast<std::size_t>(s)];
                 if (c.anonymous || c.abstract)
                     continue;
-                cases += "    if (type == " + Literal(c.name) + " && typeNs == " + Literal(c.ns) + ")\n        made = new " +
-                         ConcreteName(s, nillable) + "(name.c_str());\n";
+                cases += "    if (type == " + Literal(c.name) + " && typeNs == " + Literal(c.ns) +
+                         ")\n        made = Named(new " + ConcreteName(s, nillable, here) + "(name.c_str()), element);\n";
             }
             ClassDef const &b = m.classes[static_cast<std::size_t>(base)];
             std::map<std::string, std::string> v = {
                 {"function", SubstitutionFactory(base, nillable).substr(10)},
-                {"base", b.abstract ? std::string("nullptr") : "new " + ConcreteName(base, nillable) + "(name.c_str())"},
+                {"base", b.abstract ? std::string("nullptr")
+                                    : "Named(new " + ConcreteName(base, nillable, here) + "(name.c_str()), element)"},
                 {"cases", cases}};
-            out += Fill("// The class that xsi:type names, or the declared one without it.\n"
+            out += Fill("// The class that xsi:type names, or the declared one without it; the object takes the\n"
+                        "// element's namespace.\n"
                         "MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> CFactory::$function$(MxXmlLib::CXmlElement "
                         "*element)\n"
                         "{\n"
@@ -647,7 +932,7 @@ private:
                         "        return nullptr;\n"
                         "    std::string const name = element->GetLocalName();\n"
                         "    std::string const type = GetElementType(element);\n"
-                        "    MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> made;\n"
+                            "    MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> made;\n"
                         "    if (type.empty())\n"
                         "        made = $base$;\n"
                         "    std::string const typeNs = type.empty() ? std::string() : "
@@ -661,27 +946,80 @@ private:
                "    std::string const n = name, u = ns ? ns : \"\";\n";
         for (RootElement const &r : m.roots)
         {
+            std::map<std::string, std::string> v = {{"name", Literal(r.name)}, {"ns", Literal(r.ns)}};
+            if (r.untyped)
+            {
+                out += Fill("    if (n == $name$ && u == $ns$)\n"
+                            "        return new MxXmlLib::CElement(name, u.c_str(), \"##any\", u.c_str());\n",
+                            v);
+                continue;
+            }
             if (r.classIndex < 0)
                 continue;
-            std::map<std::string, std::string> v = {{"name", Literal(r.name)},
-                                                    {"ns", Literal(r.ns)},
-                                                    {"class", ConcreteName(r.classIndex, r.nillable)}};
+            v["class"] = ConcreteName(r.classIndex, r.nillable, here);
             out += Fill("    if (n == $name$ && u == $ns$)\n"
                         "    {\n"
                         "        $class$ *made = new $class$(name);\n"
                         "        made->SetTargetNamespace(u);\n"
-                        "        made->Init();\n"
+                        "        MxXmlLib::InitSchemaTree(*made);\n"
                         "        return made;\n"
                         "    }\n",
                         v);
         }
         out += "    return nullptr;\n}\n\n";
+        std::string typed;
+        for (RootElement const &r : m.roots)
+        {
+            if (r.untyped || r.classIndex < 0)
+                continue;
+            typed += "        if (n == " + Literal(r.name) + " && u == " + Literal(r.ns) + ")\n        {\n"
+                     "            typed = true;\n            made = " +
+                     SubstitutionFactory(r.classIndex, r.nillable).substr(10) + "(root);\n        }\n";
+        }
+        out += Fill("MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> CFactory::MakeRoot(MxXmlLib::CXmlElement *root)\n"
+                    "{\n"
+                    "    std::string const n = root->GetLocalName(), u = root->GetNamespaceURI();\n"
+                    "    MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> made;\n"
+                    "    if (!GetElementType(root).empty())\n"
+                    "    {\n"
+                    "        [[maybe_unused]] bool typed = false;\n"
+                    "$typed$"
+                    "        if (typed && made.IsNull())\n"
+                    "            throw MxXmlLib::CMxValidationException(\n"
+                    "                MxXmlLib::FormatString(\"Failed to find a suitable substitution element for [%s].\", "
+                    "n.c_str()),\n"
+                    "                root->GetXPath());\n"
+                    "        if (typed)\n"
+                    "            return made;\n"
+                    "    }\n"
+                    "    made = CreateRoot(n.c_str(), u.c_str());\n"
+                    "    if (made.IsNull())\n"
+                    "        throw MxXmlLib::CMxException(MxXmlLib::FormatString(\n"
+                    "            \"The element [%s] is not declared by the schema\", (u.empty() ? n : \"{\" + u + \"}\" "
+                    "+ n).c_str()));\n"
+                    "    return made;\n"
+                    "}\n\n"
+                    "MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> CreateFor(MxXmlLib::CXmlElement *root)\n"
+                    "{\n"
+                    "    return CFactory::MakeRoot(root);\n"
+                    "}\n\n"
+                    "MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> Read(MxXmlLib::CBinaryData const &bytes,\n"
+                    "                                                   MxXmlLib::CSerializationContext const "
+                    "&context)\n"
+                    "{\n"
+                    "    return MxXmlLib::ReadSchemaDocument(bytes, context, &CFactory::MakeRoot);\n"
+                    "}\n\n",
+                    {{"typed", typed}});
         return out;
     }
 
     std::string RowConstructor(ClassDef const &c, ElementRow const &r) const
     {
-        std::string const cls = RowClassName(r);
+        std::string cls = RowClassName(r);
+        // A repeated enumeration in xs:all reads as a collection of values,
+        // as the run-time back end builds it.
+        if (r.group == Group::All && r.kind == RowKind::Enum && r.occurs == Occurs::Col)
+            cls = "CElementInfoAllPrimCol";
         std::string const head = "new " + cls + "(" + Literal(r.name) + ", " + Literal(r.ns) + ", " +
                                  std::to_string(r.property);
         std::string const shape = r.childShape == ClassShape::Element ? "XmlElementType_Element"
@@ -721,7 +1059,6 @@ private:
         }
         return head + ")";
     }
-
     std::string AttributeConstructor(AttributeRow const &a) const
     {
         std::string const def = LiteralOrNull(a.hasDefault, a.defaultValue);
@@ -855,14 +1192,14 @@ private:
             }
             case Property::Holds::Object:
             case Property::Holds::MandatoryObject:
-                v["type"] = ClassName(c.elements[static_cast<std::size_t>(p.row)].classIndex);
+                v["type"] = ClassRef(c.elements[static_cast<std::size_t>(p.row)].classIndex, n.classNamespaces[ci]);
                 out += Fill("MxXmlLib::CSmartPtr<$type$> $class$::Get$name$() const\n{\n"
                             "    return ObjectIn<$type$>(m_cells[$i$]);\n}\n"
                             "void $class$::Set$name$($type$ *value)\n{\n    m_cells[$i$].SetXmlObject(value);\n}\n\n",
                             v);
                 break;
             case Property::Holds::ObjectCol:
-                v["type"] = ClassName(c.elements[static_cast<std::size_t>(p.row)].classIndex);
+                v["type"] = ClassRef(c.elements[static_cast<std::size_t>(p.row)].classIndex, n.classNamespaces[ci]);
                 out += Fill("MxXmlLib::CObjectCol *$class$::Get$name$() const\n{\n"
                             "    return ObjectIn<MxXmlLib::CObjectCol>(m_cells[$i$]).Get();\n}\n"
                             "int $class$::Get$name$Count() const\n{\n    return Get$name$()->GetCount();\n}\n"
@@ -935,9 +1272,13 @@ private:
             {"attributes", attributes},
             {"reset", ResetBody(c)},
             {"accessors", AccessorBodies(ci)},
-            {"cells", std::to_string(c.properties.size())}};
+            {"cells", std::to_string(c.properties.size())},
+            {"identifier", Literal(c.identifier)},
+            {"checks", StoreChecks(ci)},
+            {"qnames", QNameOverrides(ci)}};
         return Fill("// ---------------------------------------------------------------------------\n"
                     "// $class$\n\n"
+                    "namespace\n{\nMxXmlLib::CClassTables g_tables$class$;\n} // namespace\n\n"
                     "$class$::$class$(char const *elementName) : m_targetNamespace($ns$)\n"
                     "{\n"
                     "    SetElementName(elementName);\n"
@@ -952,12 +1293,16 @@ private:
                     "{\n"
                     "    if (index < 0 || index >= $cells$)\n"
                     "        throw MxXmlLib::CMxException(MxXmlLib::FormatString(\"Unknown property %d of %s\", index, "
-                    "$name$));\n"
+                    "$identifier$));\n"
                     "    if (read)\n"
+                    "    {\n"
                     "        value = m_cells[index];\n"
-                    "    else\n"
-                    "        m_cells[index] = value;\n"
+                    "        return;\n"
+                    "    }\n"
+                    "$checks$"
+                    "    m_cells[index] = value;\n"
                     "}\n\n"
+                    "$qnames$"
                     "$accessors$"
                     "static void Build$class$(MxXmlLib::CClassTables::Rows &t)\n"
                     "{\n"
@@ -976,9 +1321,63 @@ private:
                     v);
     }
 
+    // The checks of AccessProperty before it stores a value: one case per
+    // property that holds a value of a simple type.
+    std::string StoreChecks(std::size_t ci) const
+    {
+        ClassDef const &c = m.classes[ci];
+        std::string cases;
+        for (std::size_t pi = 0; pi < c.properties.size(); ++pi)
+        {
+            int const type = m_propertyTypes[ci][pi];
+            if (type >= 0)
+                cases += "    case " + std::to_string(pi) + ":\n        CheckValue(" + std::to_string(type) + ", " +
+                         Literal(c.properties[pi].name) + ", value);\n        break;\n";
+        }
+        if (cases.empty())
+            return std::string();
+        return "    switch (index)\n    {\n" + cases + "    default:\n        break;\n    }\n";
+    }
+
+    std::string QNameOverrides(std::size_t ci) const
+    {
+        if (!HasQNames(ci))
+            return std::string();
+        ClassDef const &c = m.classes[ci];
+        std::string collect;
+        for (std::size_t pi = 0; pi < c.properties.size(); ++pi)
+        {
+            int const type = m_propertyTypes[ci][pi];
+            ValueType const *v = FacetedValue(c, pi);
+            if (type >= 0 && v != nullptr && HoldsQName(*v))
+                collect += "    MxXmlLib::CollectSchemaValuePrefixes(element, SchemaValues().types[" +
+                           std::to_string(type) + "], m_cells[" + std::to_string(pi) + "], m_prefixes);\n";
+        }
+        return Fill("MxXmlLib::CXmlElement *$class$::FromXml_Int(MxXmlLib::CXmlElement *element, "
+                    "MxXmlLib::CXmlElement *cursor,\n"
+                    "                                     MxXmlLib::CSerializationContext const &context, bool "
+                    "optionalChoice)\n"
+                    "{\n"
+                    "    MxXmlLib::CXmlElement *const next = CXmlGeneratedClass::FromXml_Int(element, cursor, context, "
+                    "optionalChoice);\n"
+                    "    m_prefixes.clear();\n"
+                    "$collect$"
+                    "    return next;\n"
+                    "}\n\n"
+                    "void $class$::AttributesToXml_Int(MxXmlLib::CXmlWriter *writer, MxXmlLib::CSerializationContext "
+                    "const &context) const\n"
+                    "{\n"
+                    "    MxXmlLib::DeclareSchemaValuePrefixes(writer, m_prefixes);\n"
+                    "    CXmlGeneratedClass::AttributesToXml_Int(writer, context);\n"
+                    "}\n\n",
+                    {{"class", n.classes[ci]}, {"collect", collect}});
+    }
+
     Model const &m;
     CppOptions const &o;
     Names n;
+    std::vector<std::string> m_valueTypes;       // expressions, by number
+    std::vector<std::vector<int>> m_propertyTypes; // per class, per property: a number or -1
 };
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "frontend/XsdFrontend.h"
 #include "values/FacetCheck.h"
+#include "binding/SchemaValues.h"
 
 #include "collections/GeneratedCollections.h"
 
@@ -93,7 +94,7 @@ SlotTable &AbsSlots()
 }
 
 std::array<std::atomic<SetData const *>, kSetSlots> g_sets{};
-std::array<std::atomic<Enumeration const *>, kThunkSlots> g_enums{};
+std::array<std::atomic<CSchemaEnumeration const *>, kThunkSlots> g_enums{};
 std::array<std::atomic<AbsSlot const *>, kThunkSlots> g_abs{};
 
 struct SetData : std::enable_shared_from_this<SetData>
@@ -111,17 +112,13 @@ struct SetData : std::enable_shared_from_this<SetData>
     std::vector<int> enumSlots;             // per enumeration
     std::vector<std::unique_ptr<AbsSlot>> absSlots;
     std::vector<int> absSlotNumbers;
-    // The patterns of the string values, compiled once when the set loads,
-    // with the rest of their facets: a value is checked as it is stored.
-    struct Pattern
-    {
-        CPrimitiveRestrictions otherFacets;
-        std::unique_ptr<CXsdPattern> compiled;
-    };
-    std::map<ValueType const *, Pattern> patterns;
-    // Namespaces of types that no element or attribute name uses: an
-    // xsi:type naming such a type needs a prefix that no name declares.
-    std::set<std::string> typeOnlyNamespaces;
+    // The value types and enumerations as the run-time's checks take them,
+    // with the patterns of string values compiled once when the set loads:
+    // a value is checked as it is stored. Per class, per property: the
+    // index of its value type, or -1 for a property that is no value.
+    CSchemaEnumerations enumerations;
+    std::vector<CSchemaValueType> valueTypes;
+    std::vector<std::vector<int>> propertyValueTypes;
 
     ~SetData();
     CSmartPtr<CXmlObjectBase> Make(int classIndex, bool nillable, char const *elementName,
@@ -158,174 +155,18 @@ public:
     using CClassfactoryBase::GetElementTypeNamespaceUri;
 };
 
-// ---------------------------------------------------------------------------
-// Values held as text (lists, unions, enumerations) are checked here: the
-// rows convert atomic values, but only this code knows a list's items or a
-// union's members.
-
-int MatchEnumeration(std::vector<Enumeration> const *all, Enumeration const &e, std::string const &text);
-
-std::vector<std::string> Items(std::string const &collapsed)
-{
-    std::vector<std::string> items;
-    for (std::size_t start = 0; start < collapsed.size();)
-    {
-        std::size_t const end = std::min(collapsed.find(' ', start), collapsed.size());
-        items.push_back(collapsed.substr(start, end - start));
-        start = end + 1;
-    }
-    return items;
-}
-
-void CheckPattern(ValueType const &type, std::string const &text, char const *name)
-{
-    if (type.facets.pattern.empty())
-        return;
-    CPrimitiveRestrictions pattern(type.facets.pattern.c_str(), -1, -1, nullptr, nullptr, nullptr, nullptr, -1, -1, -1);
-    MxVariant v;
-    v.SetString(text);
-    CheckPrimitiveFacets(name, v, ItemType_string, pattern);
-}
-
-void CheckMember(std::vector<Enumeration> const *all, ValueType const &type, std::string const &text)
-{
-    if (type.enumeration < 0 || all == nullptr)
-        return;
-    Enumeration const &e = (*all)[static_cast<std::size_t>(type.enumeration)];
-    if (MatchEnumeration(all, e, text) < 0)
-        throw CMxInvalidValueException(
-            FormatString("Invalid value [%s] for the enumeration %s", text.c_str(), e.name.c_str()));
-}
-
-// The canonical text of `text` as a value of `type`, after every facet
-// check but enumerations of `type` itself; raises when the text is none.
-std::string Canonical(std::vector<Enumeration> const *all, ValueType const &type, std::string const &text,
-                      char const *name)
-{
-    switch (type.variety)
-    {
-    case ValueType::Variety::Atomic:
-    {
-        if (type.itemType == ItemType_string)
-        {
-            std::string const t = CWhitespaceUtils::ApplyRule(type.whitespace, text);
-            MxVariant v;
-            v.SetString(t);
-            CheckPrimitiveFacets(name, v, ItemType_string, type.facets);
-            return t;
-        }
-        MxVariant v;
-        v.FromString(text, type.itemType, type.whitespace);
-        CheckPrimitiveFacets(name, v, type.itemType, type.facets);
-        std::string canonical = v.ToString();
-        // A zero offset is UTC whichever way it is written.
-        std::size_t const n = canonical.size();
-        if (n > 6 && (canonical.compare(n - 6, 6, "+00:00") == 0 || canonical.compare(n - 6, 6, "-00:00") == 0))
-            canonical.replace(n - 6, 6, "Z");
-        return canonical;
-    }
-    case ValueType::Variety::List:
-    {
-        std::string const t = CWhitespaceUtils::ApplyRule(WhitespaceRule::Collapse, text);
-        std::vector<std::string> const items = Items(t);
-        int const n = static_cast<int>(items.size());
-        if (type.listLength >= 0 && n != type.listLength)
-            throw CMxInvalidValueException(FormatString("The list [%s] has %d items where %d are required", t.c_str(),
-                                                        n, type.listLength));
-        if (type.listMinLength >= 0 && n < type.listMinLength)
-            throw CMxInvalidValueException(FormatString("The list [%s] has %d items, fewer than the %d required",
-                                                        t.c_str(), n, type.listMinLength));
-        if (type.listMaxLength >= 0 && n > type.listMaxLength)
-            throw CMxInvalidValueException(FormatString("The list [%s] has %d items, more than the %d allowed",
-                                                        t.c_str(), n, type.listMaxLength));
-        CheckPattern(type, t, name);
-        std::string canonical;
-        for (std::string const &item : items)
-        {
-            if (type.items.empty())
-            {
-                canonical += (canonical.empty() ? "" : " ") + item;
-                continue;
-            }
-            std::string const c = Canonical(all, type.items.front(), item, name);
-            CheckMember(all, type.items.front(), item);
-            canonical += (canonical.empty() ? "" : " ") + c;
-        }
-        return canonical;
-    }
-    case ValueType::Variety::Union:
-    {
-        std::string const t = CWhitespaceUtils::ApplyRule(type.whitespace, text);
-        CheckPattern(type, t, name);
-        for (ValueType const &member : type.items)
-        {
-            try
-            {
-                std::string const c = Canonical(all, member, text, name);
-                CheckMember(all, member, text);
-                return c;
-            }
-            catch (CMxException const &)
-            {
-            }
-        }
-        if (type.items.empty())
-            return t;
-        throw CMxInvalidValueException(
-            FormatString("The value [%s] is valid for none of the member types of %s", t.c_str(), type.name.c_str()));
-    }
-    }
-    return text;
-}
-
-// The index of the value that `text` stands for, or -1.
-int MatchEnumeration(std::vector<Enumeration> const *all, Enumeration const &e, std::string const &text)
-{
-    for (std::size_t i = 0; i < e.values.size(); ++i)
-        if (e.values[i] == text)
-            return static_cast<int>(i);
-    std::string canonical;
-    try
-    {
-        canonical = Canonical(all, e.type, text, e.name.c_str());
-    }
-    catch (CMxException const &)
-    {
-        return -1;
-    }
-    for (std::size_t i = 0; i < e.values.size(); ++i)
-    {
-        try
-        {
-            if (Canonical(all, e.type, e.values[i], e.name.c_str()) == canonical)
-                return static_cast<int>(i);
-        }
-        catch (CMxException const &)
-        {
-        }
-    }
-    return -1;
-}
-
 template <std::size_t I> char const *EnumToString(int value)
 {
-    Enumeration const *e = g_enums[I].load(std::memory_order_acquire);
-    if (e == nullptr || value < 0 || static_cast<std::size_t>(value) >= e->values.size())
-        return "";
-    return e->values[static_cast<std::size_t>(value)].c_str();
+    CSchemaEnumeration const *e = g_enums[I].load(std::memory_order_acquire);
+    return e == nullptr ? "" : SchemaEnumerationToString(*e, value);
 }
 
 template <std::size_t I> int EnumFromString(char const *text)
 {
-    Enumeration const *e = g_enums[I].load(std::memory_order_acquire);
-    if (e != nullptr)
-    {
-        int const index = MatchEnumeration(nullptr, *e, text ? text : "");
-        if (index >= 0)
-            return index;
-    }
-    throw CMxInvalidValueException(
-        FormatString("Invalid value [%s] for the enumeration %s", text, e ? e->name.c_str() : "?"));
+    CSchemaEnumeration const *e = g_enums[I].load(std::memory_order_acquire);
+    if (e == nullptr)
+        throw CMxInvalidValueException(FormatString("Invalid value [%s] for the enumeration ?", text));
+    return SchemaEnumerationFromString(*e, text);
 }
 
 template <std::size_t I> CSmartPtr<CXmlObjectBase> MakeByElement(CXmlElement *element)
@@ -635,6 +476,38 @@ CSmartPtr<CXmlObjectBase> SetData::MakeSubstitute(AbsSlot const &abs, CXmlElemen
     return Make(chosen, abs.nillable, element->GetLocalName().c_str(), element->GetNamespaceURI());
 }
 
+// The simple type whose facets a value stored in a property must meet, or
+// null: enumeration rows store the number of a value their functions found.
+ValueType const *FacetedValue(ClassDef const &c, int index)
+{
+    Property const &p = c.properties[static_cast<std::size_t>(index)];
+    if (p.holds != Property::Holds::Value)
+        return nullptr;
+    if (p.row >= 0)
+    {
+        ElementRow const &row = c.elements[static_cast<std::size_t>(p.row)];
+        return row.kind == RowKind::Enum ? nullptr : &row.value;
+    }
+    if (p.attribute >= 0)
+    {
+        AttributeRow const &a = c.attributes[static_cast<std::size_t>(p.attribute)];
+        return a.kind == AttributeRow::Kind::Enum ? nullptr : &a.value;
+    }
+    return index == c.simpleContentProperty ? &c.simpleContent : nullptr;
+}
+
+CSchemaValueType RuntimeValueType(ValueType const &v)
+{
+    CSchemaValueType t(v.variety == ValueType::Variety::List    ? CSchemaValueType::Variety::List
+                       : v.variety == ValueType::Variety::Union ? CSchemaValueType::Variety::Union
+                                                                : CSchemaValueType::Variety::Atomic,
+                       v.name.c_str(), v.itemType, v.whitespace, v.facets, v.enumeration, v.qname, v.listLength,
+                       v.listMinLength, v.listMaxLength);
+    for (ValueType const &item : v.items)
+        t.items.push_back(RuntimeValueType(item));
+    return t;
+}
+
 std::shared_ptr<SetData> Build(Model model)
 {
     // The classes of a loaded set are generated code of this library's own version.
@@ -645,23 +518,12 @@ std::shared_ptr<SetData> Build(Model model)
     if (m.classes.size() > static_cast<std::size_t>(kMaxClasses))
         throw CSchemaError("the schema set has " + std::to_string(m.classes.size()) + " classes; at most " +
                            std::to_string(kMaxClasses) + " can be loaded as one set");
-    std::set<std::string> named;
-    for (RootElement const &r : m.roots)
-        named.insert(r.ns);
-    for (ClassDef const &c : m.classes)
-    {
-        for (ElementRow const &r : c.elements)
-            named.insert(r.ns);
-        for (AttributeRow const &a : c.attributes)
-            named.insert(a.ns);
-    }
-    for (ClassDef const &c : m.classes)
-        if (c.hasBaseClasses && !c.ns.empty() && named.count(c.ns) == 0)
-            data->typeOnlyNamespaces.insert(c.ns);
     data->slot = SetSlots().Take();
     if (data->slot < 0)
         throw CSchemaError("too many schema sets are loaded at once");
     for (Enumeration const &e : m.enumerations)
+        data->enumerations.push_back(CSchemaEnumeration{e.name, e.values, RuntimeValueType(e.type)});
+    for (CSchemaEnumeration const &e : data->enumerations)
     {
         int const s = EnumSlots().Take();
         if (s < 0)
@@ -719,23 +581,20 @@ std::shared_ptr<SetData> Build(Model model)
         }
         t.attributes.push_back(nullptr);
     }
-    auto compile = [&data](ValueType const &v) {
-        if (v.variety != ValueType::Variety::Atomic || v.enumeration >= 0 || v.itemType != ItemType_string ||
-            v.facets.pattern.empty())
-            return;
-        SetData::Pattern p{v.facets, nullptr};
-        p.otherFacets.pattern.clear();
-        std::string converted;
-        p.compiled = std::make_unique<CXsdPattern>(std::string(LocalToUtf8View(v.facets.pattern, converted)));
-        data->patterns.emplace(&v, std::move(p));
-    };
-    for (ClassDef const &c : m.classes)
+    data->propertyValueTypes.resize(m.classes.size());
+    for (std::size_t ci = 0; ci < m.classes.size(); ++ci)
     {
-        for (ElementRow const &r : c.elements)
-            compile(r.value);
-        for (AttributeRow const &a : c.attributes)
-            compile(a.value);
-        compile(c.simpleContent);
+        ClassDef const &c = m.classes[ci];
+        std::vector<int> &types = data->propertyValueTypes[ci];
+        for (std::size_t pi = 0; pi < c.properties.size(); ++pi)
+        {
+            ValueType const *v = FacetedValue(c, static_cast<int>(pi));
+            types.push_back(v == nullptr ? -1 : static_cast<int>(data->valueTypes.size()));
+            if (v == nullptr)
+                continue;
+            data->valueTypes.push_back(RuntimeValueType(*v));
+            data->valueTypes.back().PreparePattern();
+        }
     }
     // Published last: a factory that finds the set finds it whole.
     g_sets[static_cast<std::size_t>(data->slot)].store(data.get(), std::memory_order_release);
@@ -763,28 +622,6 @@ ClassDef const &CDynamicObject::GetClass() const
     return m_set->model.classes[static_cast<std::size_t>(m_class)];
 }
 
-namespace
-{
-// The facet check of a string with a pattern, as the run-time's check makes
-// it, but with the pattern compiled when the set loaded.
-void CheckCompiledPattern(char const *name, MxVariant const &value, Dynamic::SetData::Pattern const &pattern)
-{
-    CheckPrimitiveFacets(name, value, ItemType_string, pattern.otherFacets);
-    std::string const text = value.GetString();
-    bool matches;
-    try
-    {
-        matches = pattern.compiled->Matches(text);
-    }
-    catch (CMxException const &e)
-    {
-        throw CMxException(FormatString("%s\nInvalid Value for %s [%s].", e.GetMessage().c_str(), name, text.c_str()));
-    }
-    if (!matches)
-        throw CMxException(FormatString("Invalid Value for %s [%s].", name, text.c_str()));
-}
-} // namespace
-
 void CDynamicObject::AccessProperty(int index, bool read, MxVariant &value)
 {
     if (index < 0 || static_cast<std::size_t>(index) >= m_cells.size())
@@ -797,44 +634,11 @@ void CDynamicObject::AccessProperty(int index, bool read, MxVariant &value)
     // The rows convert without checking facets; a value that breaks them is
     // refused here, when it is stored, so that reading an invalid document
     // fails at the element or attribute that holds it.
-    if (ValueType const *type = FacetedValue(index); type != nullptr && value.GetTypeAsEnum() != ItemType_None &&
-                                                      !value.IsNil())
-    {
-        char const *name = GetClass().properties[static_cast<std::size_t>(index)].name.c_str();
-        auto const pattern = m_set->patterns.find(type);
-        if (pattern != m_set->patterns.end())
-            CheckCompiledPattern(name, value, pattern->second);
-        else if (type->variety == ValueType::Variety::Atomic && type->enumeration < 0)
-            CheckPrimitiveFacets(name, value, type->itemType, type->facets);
-        else
-        {
-            std::string const text =
-                value.GetTypeAsEnum() == ItemType_string ? value.GetString() : value.ToString();
-            Dynamic::Canonical(&m_set->model.enumerations, *type, text, name);
-            Dynamic::CheckMember(&m_set->model.enumerations, *type, text);
-        }
-    }
+    int const type = m_set->propertyValueTypes[static_cast<std::size_t>(m_class)][static_cast<std::size_t>(index)];
+    if (type >= 0)
+        CheckStoredSchemaValue(&m_set->enumerations, m_set->valueTypes[static_cast<std::size_t>(type)],
+                               GetClass().properties[static_cast<std::size_t>(index)].name.c_str(), value);
     m_cells[static_cast<std::size_t>(index)] = value;
-}
-
-ValueType const *CDynamicObject::FacetedValue(int index) const
-{
-    ClassDef const &c = GetClass();
-    Property const &p = c.properties[static_cast<std::size_t>(index)];
-    if (p.holds != Property::Holds::Value)
-        return nullptr;
-    // Enumeration rows store the number of a value their functions found.
-    if (p.row >= 0)
-    {
-        ElementRow const &row = c.elements[static_cast<std::size_t>(p.row)];
-        return row.kind == RowKind::Enum ? nullptr : &row.value;
-    }
-    if (p.attribute >= 0)
-    {
-        AttributeRow const &a = c.attributes[static_cast<std::size_t>(p.attribute)];
-        return a.kind == AttributeRow::Kind::Enum ? nullptr : &a.value;
-    }
-    return index == c.simpleContentProperty ? &c.simpleContent : nullptr;
 }
 
 CParentElementInfo *CDynamicObject::GetParentElementInfo()
@@ -871,22 +675,6 @@ void InitFixed(AttributeRow const &a, MxVariant &cell)
 void CDynamicObject::Init()
 {
     Reset(true);
-}
-
-void CDynamicObject::InitTree(std::vector<int> &chain)
-{
-    Init();
-    chain.push_back(m_class);
-    for (MxVariant &cell : m_cells)
-    {
-        auto *child = cell.GetTypeAsEnum() == ItemType_XmlObject
-                          ? dynamic_cast<CDynamicObject *>(cell.GetXmlObject().Get())
-                          : nullptr;
-        // A type that must contain itself gets one level: no document can fill more.
-        if (child != nullptr && std::find(chain.begin(), chain.end(), child->m_class) == chain.end())
-            child->InitTree(chain);
-    }
-    chain.pop_back();
 }
 
 void CDynamicObject::Reset(bool makeMandatoryChildren)
@@ -961,136 +749,22 @@ void CDynamicObject::Reset(bool makeMandatoryChildren)
     }
 }
 
-namespace
-{
-std::vector<std::string> QNameItems(std::vector<std::string> const &texts)
-{
-    std::vector<std::string> items;
-    for (std::string const &text : texts)
-        for (std::string &item : Dynamic::Items(CWhitespaceUtils::ApplyRule(WhitespaceRule::Collapse, text)))
-            items.push_back(std::move(item));
-    return items;
-}
-
-bool HoldsQName(ValueType const &type)
-{
-    if (type.qname)
-        return true;
-    for (ValueType const &item : type.items)
-        if (HoldsQName(item))
-            return true;
-    return false;
-}
-} // namespace
-
 CXmlElement *CDynamicObject::FromXml_Int(CXmlElement *element, CXmlElement *cursor,
                                          CSerializationContext const &context, bool optionalChoice)
 {
     CXmlElement *const next = CXmlGeneratedClass::FromXml_Int(element, cursor, context, optionalChoice);
     m_prefixes.clear();
-    if (element == nullptr || element->GetDocument() == nullptr)
-        return next;
-    ClassDef const &c = GetClass();
+    std::vector<int> const &types = m_set->propertyValueTypes[static_cast<std::size_t>(m_class)];
     for (std::size_t i = 0; i < m_cells.size(); ++i)
-    {
-        // The texts of a QName cell, or of a repeated QName element.
-        std::vector<std::string> texts;
-        Property const &p = c.properties[i];
-        ValueType const *type = FacetedValue(static_cast<int>(i));
-        if (type != nullptr && HoldsQName(*type) && m_cells[i].GetTypeAsEnum() == ItemType_string)
-            texts.push_back(m_cells[i].GetString());
-        else if (p.holds == Property::Holds::ValueCol && HoldsQName(c.elements[static_cast<std::size_t>(p.row)].value) &&
-                 m_cells[i].GetTypeAsEnum() == ItemType_XmlObject)
-            if (auto const *col = dynamic_cast<CstringCol const *>(m_cells[i].GetXmlObject().Get()))
-                texts.assign(col->begin(), col->end());
-        for (std::string const &item : QNameItems(texts))
-        {
-            std::size_t const colon = item.find(':');
-            if (colon == std::string::npos)
-                continue;
-            std::string const prefix = item.substr(0, colon);
-            std::string const uri = element->GetDocument()->LookupNamespaceFromAlias(prefix.c_str());
-            if (!uri.empty())
-                m_prefixes.emplace_back(prefix, uri);
-        }
-    }
+        if (types[i] >= 0)
+            CollectSchemaValuePrefixes(element, m_set->valueTypes[static_cast<std::size_t>(types[i])], m_cells[i],
+                                       m_prefixes);
     return next;
-}
-
-void CDynamicObject::ToXml_Int(CXmlWriter *writer, bool isRoot, char const *namespaceUri,
-                               CSerializationContext const &context, bool optionalChoice) const
-{
-    if (isRoot)
-    {
-        // Depth first over the objects of the document, without recursion:
-        // documents nest as deep as their readers allow.
-        std::vector<std::pair<std::string, std::string>> declared;
-        std::set<std::string> typeNamespaces;
-        std::vector<CXmlObjectBase const *> pending{this};
-        while (!pending.empty())
-        {
-            CXmlObjectBase const *object = pending.back();
-            pending.pop_back();
-            if (auto const *col = dynamic_cast<CObjectCol const *>(object))
-            {
-                for (int i = col->GetCount() - 1; i >= 0; --i)
-                    pending.push_back(col->GetAt(i));
-                continue;
-            }
-            auto const *dynamic = dynamic_cast<CDynamicObject const *>(object);
-            if (dynamic == nullptr)
-                continue;
-            // A prefix bound to two namespaces in two places is declared
-            // where the first stands; the other is declared on its element.
-            ClassDef const &c = dynamic->GetClass();
-            if (c.hasBaseClasses && m_set->typeOnlyNamespaces.count(c.ns) != 0)
-                typeNamespaces.insert(c.ns);
-            for (auto const &binding : dynamic->m_prefixes)
-                if (std::none_of(declared.begin(), declared.end(),
-                                 [&](auto const &d) { return d.first == binding.first; }))
-                    declared.push_back(binding);
-            for (auto cell = dynamic->m_cells.rbegin(); cell != dynamic->m_cells.rend(); ++cell)
-                if (cell->GetTypeAsEnum() == ItemType_XmlObject && !cell->GetXmlObject().IsNull())
-                    pending.push_back(cell->GetXmlObject().Get());
-        }
-        int n = 0;
-        for (std::string const &uri : typeNamespaces)
-        {
-            std::string prefix;
-            do
-                prefix = "ns" + std::to_string(++n);
-            while (std::any_of(declared.begin(), declared.end(), [&](auto const &d) { return d.first == prefix; }));
-            declared.emplace_back(prefix, uri);
-        }
-        for (auto const &[prefix, uri] : declared)
-            writer->AddNamespace(prefix, uri);
-    }
-    CXmlGeneratedClass::ToXml_Int(writer, isRoot, namespaceUri, context, optionalChoice);
 }
 
 void CDynamicObject::AttributesToXml_Int(CXmlWriter *writer, CSerializationContext const &context) const
 {
-    // The writer declares a prefix only where a name uses it; a prefix in a
-    // value that the root has not declared is declared here by hand, and
-    // entered in the scope so that the writer does not take it for another
-    // namespace. A Fast Infoset writer has no context yet while it holds
-    // the root's start: the root's own prefixes were all declared.
-    // Every decision is taken before the first declaration changes the scope.
-    CXmlWriter::CXmlWriterContext const *scope = writer->GetCurrentContext();
-    std::vector<std::pair<std::string, std::string>> undeclared;
-    for (auto const &binding : m_prefixes)
-    {
-        std::string const *known = scope ? scope->FindPrefix(binding.second) : nullptr;
-        if (scope == nullptr || (known != nullptr && *known == binding.first) ||
-            std::any_of(undeclared.begin(), undeclared.end(), [&](auto const &u) { return u.first == binding.first; }))
-            continue;
-        undeclared.push_back(binding);
-    }
-    for (auto const &[prefix, uri] : undeclared)
-    {
-        writer->AddNamespace(prefix, uri);
-        writer->WriteAttribute("xmlns:" + prefix, std::string(), uri, ItemType_string);
-    }
+    DeclareSchemaValuePrefixes(writer, m_prefixes);
     CXmlGeneratedClass::AttributesToXml_Int(writer, context);
 }
 
@@ -1149,8 +823,7 @@ CSmartPtr<CXmlObjectBase> CSchemaSet::CreateRoot(std::string const &name, std::s
     if (root.untyped)
         return new CElement(name.c_str(), ns.c_str(), "##any", ns.c_str());
     CSmartPtr<CXmlObjectBase> made = m_data->Make(root.classIndex, root.nillable, name.c_str(), ns);
-    std::vector<int> chain;
-    static_cast<CDynamicObject *>(made.Get())->InitTree(chain);
+    InitSchemaTree(*static_cast<CDynamicObject *>(made.Get()));
     return made;
 }
 
@@ -1174,78 +847,19 @@ CSmartPtr<CXmlObjectBase> CSchemaSet::CreateFor(CXmlElement *root) const
     return CreateRoot(name, ns);
 }
 
-namespace
-{
-// Parses XML text or Fast Infoset, maybe compressed, or JSON by its XML
-// translation (strict or not as the document's context says), into `document`.
-// Returns whether the document came from JSON.
-bool LoadDocument(CXmlDocument &document, CBinaryData const &bytes)
-{
-    CBinaryData plain(bytes);
-    Decompress(plain);
-    bool const json = LooksLikeJson(plain);
-    if (json)
-    {
-        CBinaryData xml = document.LoadJsonStream(plain.GetData(), plain.GetLength());
-        document.LoadXmlStream(xml.GetData(), xml.GetLength());
-    }
-    else
-        document.LoadXmlStream(plain.GetData(), plain.GetLength());
-    if (document.GetDocumentElement() == nullptr)
-        throw CMxException("The document has no root element");
-    return json;
-}
-
-// JSON that is not a full round trip keeps no namespaces, so its elements
-// match by local name alone, as FromJson does.
-CSerializationContext ReadingContext(CSerializationContext const &context, bool json)
-{
-    CSerializationContext reading(context);
-    if (json && context.GetJsonContext().GetSupportRoundtrip() != RoundTripFull)
-        reading.SetIgnoreNamespaces(true);
-    return reading;
-}
-
-CSmartPtr<CXmlObjectBase> ReadInto(CSmartPtr<CXmlObjectBase> made, CXmlElement *root,
-                                   CSerializationContext const &context)
-{
-    if (dynamic_cast<CElement *>(made.Get()) != nullptr)
-        // An untyped element reads the element at the cursor, not its children.
-        CXmlObjectBase::FromXml_Int(made, root, root, context);
-    else
-        made->FromXmlElement(root, context);
-    return made;
-}
-} // namespace
-
 CSmartPtr<CXmlObjectBase> CSchemaSet::Read(CBinaryData const &bytes, CSerializationContext const &context) const
 {
-    CXmlDocument document(context);
-    bool const json = LoadDocument(document, bytes);
-    CXmlElement *root = document.GetDocumentElement();
-    return ReadInto(CreateFor(root), root, ReadingContext(context, json));
+    return ReadSchemaDocument(bytes, context, [this](CXmlElement *root) { return CreateFor(root); });
 }
 
 CSmartPtr<CXmlObjectBase> ReadUntyped(CBinaryData const &bytes, CSerializationContext const &context)
 {
-    CXmlDocument document(context);
-    bool const json = LoadDocument(document, bytes);
-    CXmlElement *root = document.GetDocumentElement();
-    return ReadInto(new CElement("document"), root, ReadingContext(context, json));
+    return ReadSchemaDocument(bytes, context, [](CXmlElement *) { return new CElement("document"); });
 }
 
 bool LooksLikeJson(CBinaryData const &bytes)
 {
-    unsigned char const *p = bytes.GetData();
-    unsigned long const n = bytes.GetLength();
-    unsigned long i = 0;
-    // A UTF-8 byte order mark may stand first.
-    if (n >= 3 && p[0] == 0xEF && p[1] == 0xBB && p[2] == 0xBF)
-        i = 3;
-    for (; i < n; ++i)
-        if (p[i] != ' ' && p[i] != '\t' && p[i] != '\r' && p[i] != '\n')
-            return p[i] == '{';
-    return false;
+    return LooksLikeJsonDocument(bytes);
 }
 
 } // namespace MxCompiler

@@ -51,9 +51,6 @@ public:
     // The empty state: values unset, collections empty, mandatory children
     // made (but not filled in themselves: their own read does that).
     void Init() override;
-    // Init, and the same for every mandatory child, down to where a type
-    // would contain itself: an object that a program can fill and write.
-    void InitTree(std::vector<int> &chain);
     std::string GetNamespace() const override;
 
     CDynamicObject(std::shared_ptr<Dynamic::SetData const> set, int classIndex, char const *elementName,
@@ -66,18 +63,11 @@ protected:
     MxXmlLib::CXmlElement *FromXml_Int(MxXmlLib::CXmlElement *element, MxXmlLib::CXmlElement *cursor,
                                        MxXmlLib::CSerializationContext const &context, bool optionalChoice) override;
     void AttributesToXml_Int(MxXmlLib::CXmlWriter *writer, MxXmlLib::CSerializationContext const &context) const override;
-    // A root declares the prefixes of every QName value below it, and of the
-    // namespaces that only an xsi:type below it names, where each format
-    // can carry a declaration (Fast Infoset has none on inner elements).
-    void ToXml_Int(MxXmlLib::CXmlWriter *writer, bool isRoot, char const *namespaceUri,
-                   MxXmlLib::CSerializationContext const &context, bool optionalChoice) const override;
     std::string GetTargetNamespace() const override { return m_elementNamespace; }
 
 private:
     void Reset(bool makeMandatoryChildren);
     int PropertyIndex(std::string const &name) const;
-    // The simple type whose facets a stored value must meet, or null.
-    ValueType const *FacetedValue(int index) const;
 
     std::shared_ptr<Dynamic::SetData const> m_set;
     int m_class;

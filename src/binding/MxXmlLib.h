@@ -62,6 +62,7 @@
 
 // Binding: the object base, the context, the generated-class driver.
 #include "binding/ClassTables.h"
+#include "binding/SchemaValues.h"
 #include "binding/SerializationContext.h"
 #include "binding/XmlGeneratedClass.h"
 #include "binding/XmlObjectBase.h"

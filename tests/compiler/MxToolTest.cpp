@@ -25,6 +25,7 @@ std::string const kUsage =
     "       mx check --schema S.xsd [--schema S.xsd]... DOC...\n"
     "       mx describe --schema S.xsd [--schema S.xsd]...\n"
     "       mx generate --schema S.xsd [--schema S.xsd]... --out DIR [--namespace URI=cpp::ns]...\n"
+    "                   [--file-per-type]\n"
     "IN and OUT may be - for standard input and output. The input's format and\n"
     "compression are detected; the output's format comes from --to or OUT's\n"
     "extension (.xml, .json, .fi, .finf, each maybe followed by .gz).\n"
@@ -54,6 +55,8 @@ TEST(MxTool, StatusAndMessages)
         {"no arguments", {}, "", 2, "", kUsage},
         {"help", {"--help"}, "", 0, kUsage, ""},
         {"unknown command", {"frob"}, "", 2, "", "mx: unknown command frob\n" + kUsage},
+        {"file per type outside generate", {"check", "--file-per-type", "a.xml"}, "", 2, "",
+         "mx: unknown option --file-per-type\n" + kUsage},
         {"convert without OUT", {"convert", "a.xml"}, "", 2, "", "mx: convert takes IN and OUT\n" + kUsage},
         {"unknown format", {"convert", "--to", "yaml", "-", "-"}, "", 2, "", "mx: --to takes xml, json or fi\n" + kUsage},
         {"format not known from the name", {"convert", "-", "out.txt"}, "", 2, "",

@@ -150,7 +150,9 @@ static_assert(AllComplete<MxXmlLib::CXmlCollectionBase,
 static_assert(AllComplete<MxXmlLib::CSerializationContext,
                           MxXmlLib::CXmlObjectBase,
                           MxXmlLib::CXmlGeneratedClass,
-                          MxXmlLib::CClassTables>(),
+                          MxXmlLib::CClassTables,
+                          MxXmlLib::CSchemaValueType,
+                          MxXmlLib::CSchemaEnumeration>(),
               "binding");
 
 static_assert(AllComplete<MxXmlLib::CJsonContext,

@@ -3,6 +3,7 @@
 //   mx convert [--schema S.xsd]... [--to xml|json|fi] [--gzip|--zlib] [--json-compat] IN OUT
 //   mx check --schema S.xsd [--schema ...] DOC...
 //   mx describe --schema S.xsd [--schema ...]
+//   mx generate --schema S.xsd [--schema ...] --out DIR [--namespace URI=cpp::ns]... [--file-per-type]
 //
 // Exit status: 0 success, 1 a document or schema failed, 2 usage.
 
@@ -34,6 +35,7 @@ constexpr char const *kUsage =
     "       mx check --schema S.xsd [--schema S.xsd]... DOC...\n"
     "       mx describe --schema S.xsd [--schema S.xsd]...\n"
     "       mx generate --schema S.xsd [--schema S.xsd]... --out DIR [--namespace URI=cpp::ns]...\n"
+    "                   [--file-per-type]\n"
     "IN and OUT may be - for standard input and output. The input's format and\n"
     "compression are detected; the output's format comes from --to or OUT's\n"
     "extension (.xml, .json, .fi, .finf, each maybe followed by .gz).\n"
@@ -113,9 +115,10 @@ struct Options
     MxCompiler::SchemaLocations locations;
     CompressionType compression = CompressionNone;
     bool jsonCompat = false;
+    bool filePerType = false;
 };
 
-Options Parse(std::vector<std::string> const &args, bool allowFormat)
+Options Parse(std::vector<std::string> const &args, bool allowFormat, bool allowGenerate = false)
 {
     Options o;
     for (std::size_t i = 0; i < args.size(); ++i)
@@ -129,6 +132,8 @@ Options Parse(std::vector<std::string> const &args, bool allowFormat)
                 throw Usage("unknown option --to");
             (a == "--schema" ? o.schemas.emplace_back() : o.to) = args[++i];
         }
+        else if (allowGenerate && a == "--file-per-type")
+            o.filePerType = true;
         else if (a == "--out" || a == "--namespace" || a == "--location")
         {
             if (i + 1 >= args.size())
@@ -138,7 +143,8 @@ Options Parse(std::vector<std::string> const &args, bool allowFormat)
                 o.out = value;
             else
             {
-                std::size_t const eq = value.find('=');
+                // A URI may hold '=', a C++ namespace never does.
+                std::size_t const eq = value.rfind('=');
                 if (eq == std::string::npos || eq + 1 == value.size())
                     throw Usage(a == "--namespace" ? "--namespace takes URI=cpp::namespace" : "--location takes URI=FILE");
                 (a == "--namespace" ? o.namespaces : o.locations)[value.substr(0, eq)] = value.substr(eq + 1);
@@ -263,7 +269,7 @@ std::string MxCompilerBaseName(std::string name)
 
 int Generate(std::vector<std::string> const &args)
 {
-    Options o = Parse(args, false);
+    Options o = Parse(args, false, true);
     if (o.schemas.empty() || o.out.empty() || !o.files.empty())
         throw Usage("generate takes --schema files and --out DIR");
     MxCompiler::CppOptions options;
@@ -272,6 +278,7 @@ int Generate(std::vector<std::string> const &args)
     base = base.substr(0, base.find('.'));
     options.baseName = MxCompilerBaseName(base);
     options.namespaces = o.namespaces;
+    options.filePerType = o.filePerType;
     for (std::string const &schema : o.schemas)
         options.schemaNames.push_back(schema.substr(schema.find_last_of('/') + 1));
     for (MxCompiler::GeneratedFile const &file : MxCompiler::GenerateCpp(MxCompiler::LoadSchemaModel(o.schemas, o.locations), options))

@@ -4,6 +4,8 @@
 //   xsdtests run ROOT|CASES.tsv --results OUT.tsv [--shard I/N] [--batch GROUPS] [--expect FILE]
 //   xsdtests cases ROOT OUT.tsv
 //   xsdtests report --out REPORT.md [--failures LIST.txt] [--write-expect FILE] RESULTS.tsv...
+//   xsdtests compiled ROOT|CASES.tsv --work DIR --compile COMMAND [--results OUT.tsv] [--shard I/N] [--batch N]
+//   xsdtests compiled-report RESULTS.tsv...
 //
 // Each expected-valid instance is read into the bound objects and written as
 // XML; it passes the XML leg when Xerces-C validates that output against the
@@ -13,12 +15,19 @@
 // give the XML leg's text again. Expected-invalid instances count as
 // rejected when reading raises.
 //
+// The compiled mode generates C++ from a sample of the groups with the C++
+// back end, compiles a batch of groups to one shared library (the command
+// given, e.g. "g++ -std=c++17 -O0 -shared -fPIC -I... -L... -lMxXmlLib"),
+// and holds what those classes write, and the messages they raise, to the
+// run-time back end's, byte for byte.
+//
 // Test groups run in child processes (--batch groups each), so that a crash
 // or a hang is reported as the cause of its cases and the run goes on.
 
 #include "Catalogue.h"
 #include "Infoset.h"
 
+#include "cpp/CppGenerator.h"
 #include "dynamic/DynamicSchema.h"
 #include "frontend/XsdFrontend.h"
 
@@ -26,6 +35,7 @@
 
 #include <xercesc/util/PlatformUtils.hpp>
 
+#include <dlfcn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -33,6 +43,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <fstream>
 #include <iomanip>
 #include <iostream>
@@ -376,11 +387,9 @@ std::string RunGroup(std::string const &root, std::vector<Case const *> const &c
     return out;
 }
 
-// The group in a child process; a crash or a hang becomes the cause of
-// every case of the group.
-using Batch = std::vector<std::vector<Case const *>>;
-
-std::string RunGroupsIsolated(std::string const &root, Batch const &batch)
+// Runs `body` in a child process with a time limit. Returns whether it
+// ended well, with what it gave in `out`; otherwise `cause` says how it ended.
+bool RunInChild(unsigned seconds, std::function<std::string()> const &body, std::string &out, std::string &cause)
 {
     int pipeFds[2];
     if (pipe(pipeFds) != 0)
@@ -392,14 +401,12 @@ std::string RunGroupsIsolated(std::string const &root, Batch const &batch)
     if (child == 0)
     {
         close(pipeFds[0]);
-        alarm(kGroupSeconds * static_cast<unsigned>(batch.size()));
-        std::string out;
-        for (std::vector<Case const *> const &cases : batch)
-            out += RunGroup(root, cases);
+        alarm(seconds);
+        std::string const text = body();
         std::size_t done = 0;
-        while (done < out.size())
+        while (done < text.size())
         {
-            ssize_t const n = write(pipeFds[1], out.data() + done, out.size() - done);
+            ssize_t const n = write(pipeFds[1], text.data() + done, text.size() - done);
             if (n <= 0)
                 _exit(3);
             done += static_cast<std::size_t>(n);
@@ -410,7 +417,7 @@ std::string RunGroupsIsolated(std::string const &root, Batch const &batch)
         std::exit(0);
     }
     close(pipeFds[1]);
-    std::string out;
+    out.clear();
     char buffer[65536];
     for (;;)
     {
@@ -423,6 +430,28 @@ std::string RunGroupsIsolated(std::string const &root, Batch const &batch)
     int status = 0;
     waitpid(child, &status, 0);
     if (WIFEXITED(status) && WEXITSTATUS(status) == 0)
+        return true;
+    cause = WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM
+                ? "runner: the group took longer than " + std::to_string(kGroupSeconds) + " s"
+            : WIFSIGNALED(status) ? "runner: crashed with signal " + std::to_string(WTERMSIG(status))
+                                  : "runner: exit status " + std::to_string(WEXITSTATUS(status));
+    return false;
+}
+
+// The groups in a child process; a crash or a hang becomes the cause of
+// every case of the group.
+using Batch = std::vector<std::vector<Case const *>>;
+
+std::string RunGroupsIsolated(std::string const &root, Batch const &batch)
+{
+    std::string out, cause;
+    auto const body = [&] {
+        std::string text;
+        for (std::vector<Case const *> const &cases : batch)
+            text += RunGroup(root, cases);
+        return text;
+    };
+    if (RunInChild(kGroupSeconds * static_cast<unsigned>(batch.size()), body, out, cause))
         return out;
     // One group of the batch failed it: each group again on its own, so that
     // only that one is charged with it.
@@ -433,13 +462,8 @@ std::string RunGroupsIsolated(std::string const &root, Batch const &batch)
             out += RunGroupsIsolated(root, Batch{cases});
         return out;
     }
-    std::string const cause = WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM
-                                  ? "runner: the group took longer than " + std::to_string(kGroupSeconds) + " s"
-                              : WIFSIGNALED(status) ? "runner: crashed with signal " + std::to_string(WTERMSIG(status))
-                                                    : "runner: exit status " + std::to_string(WEXITSTATUS(status));
     out.clear();
-    for (std::vector<Case const *> const &cases : batch)
-    for (Case const *c : cases)
+    for (Case const *c : batch.front())
     {
         Leg xml, json, fi;
         xml.cause = json.cause = fi.cause = cause;
@@ -803,6 +827,402 @@ int Show(std::vector<std::string> const &args)
     return 0;
 }
 
+// ---------------------------------------------------------------------------
+// Compiled classes: the sample's schemas generated as C++, compiled a batch
+// of groups to one shared library, and held to the run-time back end: every
+// output of every leg, and every message, must be the same bytes.
+
+using ReadFunction = CSmartPtr<CXmlObjectBase> (*)(CBinaryData const &, CSerializationContext const &);
+using Reader = std::function<CSmartPtr<CXmlObjectBase>(CBinaryData const &, CSerializationContext const &)>;
+
+// Everything a back end gives for one instance, in order; a step that raises
+// gives its message (and the path it names) instead of its output.
+std::vector<std::pair<char const *, std::string>> Outputs(Reader const &read, MxCompiler::Model const &model,
+                                                          std::string const &input)
+{
+    std::vector<std::pair<char const *, std::string>> out;
+    auto failure = [](CMxException const &e) {
+        std::string text = "raises: " + e.GetFullMessage();
+        for (CMxException const *x = &e; x != nullptr; x = x->GetInnerException())
+            if (!x->GetPath().empty())
+                text += " @ " + x->GetPath();
+        return text;
+    };
+    auto step = [&](char const *what, auto &&body) {
+        try
+        {
+            out.emplace_back(what, body());
+            return true;
+        }
+        catch (CMxException const &e)
+        {
+            out.emplace_back(what, failure(e));
+        }
+        catch (std::exception const &e)
+        {
+            out.emplace_back(what, std::string("raises: ") + e.what());
+        }
+        return false;
+    };
+    CSerializationContext const &context = CSerializationContext::GetDefaultContext();
+    CSmartPtr<CXmlObjectBase> object;
+    if (!step("reading", [&] {
+            object = read(Bytes(input), context);
+            return std::string();
+        }))
+        return out;
+    step("the XML", [&] { return object->ToXml(true, false, LF, context); });
+    std::string json;
+    if (step("the JSON", [&] {
+            CSerializationContext jsonContext;
+            PrepareJsonContext(jsonContext, model, input);
+            json = object->ToJson(false, LF, jsonContext);
+            return json;
+        }))
+        step("the XML from JSON", [&] {
+            CSerializationContext jsonContext;
+            PrepareJsonContext(jsonContext, model, input);
+            return read(Bytes(json), jsonContext)->ToXml(true, false, LF, context);
+        });
+    CBinaryData fi;
+    if (step("the Fast Infoset", [&] {
+            fi = object->ToFastInfosetStream(FInfoDecl_None, context);
+            return std::string(reinterpret_cast<char const *>(fi.GetData()), fi.GetLength());
+        }))
+        step("the XML from Fast Infoset", [&] { return read(fi, context)->ToXml(true, false, LF, context); });
+    return out;
+}
+
+std::string CompiledLine(Case const &c, char const *status, std::string const &cause)
+{
+    return "C\t" + c.set + "\t" + c.group + "\t" + c.instance + "\t" + (c.valid ? "1" : "0") + "\t" + status + "\t" +
+           Clean(cause) + "\n";
+}
+
+// Where two texts part: a few bytes of each around the first difference.
+std::string Parting(std::string const &a, std::string const &b)
+{
+    std::size_t i = 0;
+    while (i < a.size() && i < b.size() && a[i] == b[i])
+        ++i;
+    std::size_t const from = i > 20 ? i - 20 : 0;
+    return "at byte " + std::to_string(i) + ": run-time [" + a.substr(from, 60) + "] compiled [" + b.substr(from, 60) +
+           "]";
+}
+
+std::string RunCompiledGroup(std::string const &root, std::vector<Case const *> const &cases, ReadFunction compiled)
+{
+    std::vector<std::string> schemas;
+    for (std::string const &s : cases.front()->schemas)
+        schemas.push_back((fs::path(root) / s).string());
+    MxCompiler::CSchemaSet const set = MxCompiler::CSchemaSet::Load(schemas);
+    Reader const dynamic = [&set](CBinaryData const &b, CSerializationContext const &c) { return set.Read(b, c); };
+    std::string out;
+    for (Case const *c : cases)
+    {
+        std::string const input = ReadFile((fs::path(root) / c->instance).string());
+        auto const expected = Outputs(dynamic, set.GetModel(), input);
+        auto const actual = Outputs(compiled, set.GetModel(), input);
+        std::string cause;
+        for (std::size_t i = 0; i < expected.size() && cause.empty(); ++i)
+        {
+            if (i >= actual.size())
+                cause = std::string("compiled classes stop before ") + expected[i].first;
+            else if (expected[i].second != actual[i].second)
+                cause = std::string(expected[i].first) + " differs " +
+                        Parting(expected[i].second, actual[i].second);
+        }
+        if (cause.empty() && actual.size() > expected.size())
+            cause = std::string("compiled classes go on to ") + actual[expected.size()].first;
+        out += CompiledLine(*c, cause.empty() ? "same" : "differs", cause);
+    }
+    return out;
+}
+
+struct CompiledGroup
+{
+    std::vector<Case const *> cases;
+    int number = 0;     // its C++ namespace XsdG<number>
+    std::string refused; // why there is no code for it
+};
+
+// Runs the groups of one compiled batch in a child process; a crash there
+// runs each group in a child of its own.
+std::string RunCompiledBatch(std::string const &root, std::string const &library,
+                             std::vector<CompiledGroup const *> const &groups)
+{
+    auto const body = [&] {
+        std::string out;
+        void *handle = dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL);
+        for (CompiledGroup const *g : groups)
+        {
+            std::string const symbol = "xsdtests_read_" + std::to_string(g->number);
+            auto const read = handle ? reinterpret_cast<ReadFunction (*)()>(dlsym(handle, symbol.c_str())) : nullptr;
+            if (read == nullptr)
+            {
+                std::string const why = handle ? "no entry " + symbol : std::string("dlopen: ") + dlerror();
+                for (Case const *c : g->cases)
+                    out += CompiledLine(*c, "differs", "runner: " + why);
+                continue;
+            }
+            try
+            {
+                out += RunCompiledGroup(root, g->cases, read());
+            }
+            catch (std::exception const &e)
+            {
+                for (Case const *c : g->cases)
+                    out += CompiledLine(*c, "differs", std::string("runner: ") + e.what());
+            }
+            catch (CMxException const &e)
+            {
+                for (Case const *c : g->cases)
+                    out += CompiledLine(*c, "differs", "runner: " + e.GetMessage());
+            }
+        }
+        return out;
+    };
+    std::string out, cause;
+    if (RunInChild(kGroupSeconds * static_cast<unsigned>(groups.size()), body, out, cause))
+        return out;
+    if (groups.size() > 1)
+    {
+        out.clear();
+        for (CompiledGroup const *g : groups)
+            out += RunCompiledBatch(root, library, {g});
+        return out;
+    }
+    out.clear();
+    for (Case const *c : groups.front()->cases)
+        out += CompiledLine(*c, "differs", cause);
+    return out;
+}
+
+void WriteText(std::string const &path, std::string const &text)
+{
+    std::ofstream file(path, std::ios::binary);
+    file << text;
+    if (!file)
+        throw std::runtime_error(path + ": cannot be written");
+}
+
+// Compiles a unity source to a shared library; returns the compiler's
+// messages (empty when it compiled without a warning), and whether it built.
+bool CompileLibrary(std::string const &compile, std::string const &source, std::string const &library,
+                    std::string &messages)
+{
+    std::string const log = library + ".log";
+    std::string const command = compile + " " + source + " -o " + library + " >" + log + " 2>&1";
+    int const status = std::system(command.c_str());
+    std::ifstream in(log);
+    std::ostringstream text;
+    text << in.rdbuf();
+    messages = text.str();
+    return status == 0;
+}
+
+// The sample: every group of sun and boeing, every 10th group of ms and
+// every 20th of nist, in catalogue order.
+bool Sampled(std::string const &set, int indexInSet)
+{
+    if (set == "sun" || set == "boeing")
+        return true;
+    if (set == "ms")
+        return indexInSet % 10 == 0;
+    if (set == "nist")
+        return indexInSet % 20 == 0;
+    return false;
+}
+
+int Compiled(std::vector<std::string> const &args)
+{
+    if (args.empty())
+        throw std::invalid_argument("compiled needs the suite folder");
+    std::string resultsFile, work, compile;
+    int shard = 0, shards = 1, batchSize = 50;
+    for (std::size_t i = 1; i < args.size(); ++i)
+    {
+        if (args[i] == "--results" && i + 1 < args.size())
+            resultsFile = args[++i];
+        else if (args[i] == "--work" && i + 1 < args.size())
+            work = args[++i];
+        else if (args[i] == "--compile" && i + 1 < args.size())
+            compile = args[++i];
+        else if (args[i] == "--batch" && i + 1 < args.size())
+            batchSize = std::max(1, std::stoi(args[++i]));
+        else if (args[i] == "--shard" && i + 1 < args.size())
+        {
+            std::string const s = args[++i];
+            shard = std::stoi(s.substr(0, s.find('/')));
+            shards = std::stoi(s.substr(s.find('/') + 1));
+        }
+        else
+            throw std::invalid_argument("unknown argument " + args[i]);
+    }
+    if (work.empty() || compile.empty())
+        throw std::invalid_argument("compiled needs --work DIR and --compile COMMAND");
+    std::string root;
+    std::vector<Case> const cases = LoadCases(args[0], root);
+    std::vector<std::string> order;
+    std::map<std::string, std::vector<Case const *>> byGroup;
+    for (Case const &c : cases)
+    {
+        auto &g = byGroup[c.group];
+        if (g.empty())
+            order.push_back(c.group);
+        g.push_back(&c);
+    }
+    std::vector<CompiledGroup> sample;
+    std::map<std::string, int> seenInSet;
+    for (std::string const &name : order)
+    {
+        std::vector<Case const *> const &g = byGroup[name];
+        if (Sampled(g.front()->set, seenInSet[g.front()->set]++))
+            sample.push_back({g, static_cast<int>(sample.size()) + 1, std::string()});
+    }
+    std::ofstream out;
+    if (!resultsFile.empty())
+        out.open(resultsFile);
+    std::ostream &sink = resultsFile.empty() ? std::cout : out;
+    std::vector<CompiledGroup *> mine;
+    for (std::size_t i = 0; i < sample.size(); ++i)
+        if (static_cast<int>(i % static_cast<std::size_t>(shards)) == shard)
+            mine.push_back(&sample[i]);
+    int warnings = 0, compiles = 0, differing = 0;
+    for (std::size_t from = 0; from < mine.size(); from += static_cast<std::size_t>(batchSize))
+    {
+        std::vector<CompiledGroup *> batch(mine.begin() + static_cast<std::ptrdiff_t>(from),
+                                           mine.begin() + static_cast<std::ptrdiff_t>(std::min(
+                                                              mine.size(), from + static_cast<std::size_t>(batchSize))));
+        fs::path const dir = fs::path(work) / ("batch" + std::to_string(batch.front()->number));
+        fs::create_directories(dir);
+        std::string unity = "// The groups of one batch, each in its own namespace.\n";
+        std::vector<CompiledGroup const *> built;
+        for (CompiledGroup *g : batch)
+        {
+            std::vector<std::string> schemas;
+            for (std::string const &s : g->cases.front()->schemas)
+                schemas.push_back((fs::path(root) / s).string());
+            try
+            {
+                MxCompiler::Model const model = MxCompiler::LoadSchemaModel(schemas);
+                MxCompiler::CppOptions options;
+                options.baseName = "Schema";
+                options.cppNamespace = "XsdG" + std::to_string(g->number);
+                options.schemaNames = g->cases.front()->schemas;
+                fs::path const sub = dir / ("g" + std::to_string(g->number));
+                fs::create_directories(sub);
+                try
+                {
+                    for (MxCompiler::GeneratedFile const &file : MxCompiler::GenerateCpp(model, options))
+                        WriteText((sub / file.name).string(), file.text);
+                }
+                catch (std::exception const &e)
+                {
+                    g->refused = std::string("differs\tgenerator: ") + e.what();
+                    continue;
+                }
+            }
+            catch (std::exception const &e)
+            {
+                g->refused = "refused\tschema not expressible: " + SchemaFamily(e.what());
+                continue;
+            }
+            catch (CMxException const &e)
+            {
+                g->refused = "refused\tschema not expressible: " + Family(e.GetMessage());
+                continue;
+            }
+            std::string const ns = "XsdG" + std::to_string(g->number);
+            unity += "#include \"g" + std::to_string(g->number) + "/Schema.cpp\"\n"
+                     "extern \"C\" auto xsdtests_read_" + std::to_string(g->number) + "() { return &" + ns +
+                     "::Read; }\n";
+            built.push_back(g);
+        }
+        std::string const library = (dir / "batch.so").string();
+        std::string messages;
+        bool ok = built.empty() || (WriteText((dir / "unity.cpp").string(), unity),
+                                    CompileLibrary(compile, (dir / "unity.cpp").string(), library, messages));
+        compiles += built.empty() ? 0 : 1;
+        if (!messages.empty())
+        {
+            ++warnings;
+            std::cerr << "compiling " << dir.string() << ":\n" << messages.substr(0, 4000) << "\n";
+        }
+        std::string lines;
+        for (CompiledGroup *g : batch)
+            if (!g->refused.empty())
+            {
+                std::string const status = g->refused.substr(0, g->refused.find('\t'));
+                for (Case const *c : g->cases)
+                    lines += CompiledLine(*c, status.c_str(), g->refused.substr(g->refused.find('\t') + 1));
+            }
+        if (!ok)
+            for (CompiledGroup const *g : built)
+                for (Case const *c : g->cases)
+                    lines += CompiledLine(*c, "differs", "compile: " + Family(messages));
+        else if (!built.empty())
+            lines += RunCompiledBatch(root, library, built);
+        sink << lines << std::flush;
+        for (std::size_t at = lines.find("\tdiffers\t"); at != std::string::npos;
+             at = lines.find("\tdiffers\t", at + 1))
+            ++differing;
+    }
+    std::cerr << "shard " << shard << ": " << mine.size() << " groups, " << compiles << " libraries compiled, "
+              << warnings << " with compiler messages, " << differing << " cases differ\n";
+    return warnings == 0 && differing == 0 ? 0 : 1;
+}
+
+int CompiledReport(std::vector<std::string> const &files)
+{
+    struct Count
+    {
+        long groups = 0, cases = 0, same = 0, differs = 0, refused = 0;
+    };
+    std::map<std::string, Count> bySet;
+    std::map<std::string, std::set<std::string>> groups;
+    Groups causes;
+    for (std::string const &file : files)
+    {
+        std::ifstream in(file);
+        for (std::string line; std::getline(in, line);)
+        {
+            std::vector<std::string> const f = Fields(line);
+            if (f.size() != 7 || f[0] != "C")
+                throw std::runtime_error(file + ": bad line: " + line);
+            Count &n = bySet[f[1]];
+            groups[f[1]].insert(f[2]);
+            ++n.cases;
+            if (f[5] == "same")
+                ++n.same;
+            else if (f[5] == "refused")
+                ++n.refused;
+            else
+            {
+                ++n.differs;
+                causes[f[1] + ": " + Family(f[6])].push_back(f[3]);
+            }
+        }
+    }
+    std::cout << "| set | groups | cases | same bytes and messages | differ | schema refused by both |\n"
+              << "|---|---:|---:|---:|---:|---:|\n";
+    Count all;
+    for (char const *set : {"nist", "ms", "sun", "boeing"})
+    {
+        if (bySet.count(set) == 0)
+            continue;
+        Count const &n = bySet[set];
+        long const g = static_cast<long>(groups[set].size());
+        std::cout << Row({set, std::to_string(g), std::to_string(n.cases), std::to_string(n.same),
+                          std::to_string(n.differs), std::to_string(n.refused)});
+        all.groups += g, all.cases += n.cases, all.same += n.same, all.differs += n.differs, all.refused += n.refused;
+    }
+    std::cout << Row({"**all**", std::to_string(all.groups), std::to_string(all.cases), std::to_string(all.same),
+                      std::to_string(all.differs), std::to_string(all.refused)});
+    WriteGroups(std::cout, nullptr, "Compiled classes that differ from the run-time back end", causes);
+    return 0;
+}
+
 int Cases(std::vector<std::string> const &args)
 {
     if (args.size() != 2)
@@ -834,7 +1254,18 @@ int main(int argc, char **argv)
             return Show({args.begin() + 1, args.end()});
         if (!args.empty() && args[0] == "report")
             return Report({args.begin() + 1, args.end()});
+        if (!args.empty() && args[0] == "compiled")
+        {
+            int const status = Compiled({args.begin() + 1, args.end()});
+            xercesc::XMLPlatformUtils::Terminate();
+            return status;
+        }
+        if (!args.empty() && args[0] == "compiled-report")
+            return CompiledReport({args.begin() + 1, args.end()});
         std::cerr << "usage: xsdtests run ROOT|CASES.tsv [--results OUT.tsv] [--shard I/N] [--expect FILE]\n"
+                     "       xsdtests compiled ROOT|CASES.tsv --work DIR --compile COMMAND [--results OUT.tsv]\n"
+                     "                [--shard I/N] [--batch GROUPS]\n"
+                     "       xsdtests compiled-report RESULTS...\n"
                      "       xsdtests cases ROOT OUT.tsv\n"
                      "       xsdtests report [--out REPORT.md] [--failures LIST] [--write-expect FILE] RESULTS...\n";
         return 2;

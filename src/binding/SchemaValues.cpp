@@ -1,0 +1,360 @@
+#include "binding/SchemaValues.h"
+
+#include "collections/Element.h"
+#include "document/XmlDocument.h"
+#include "metadata/ElementInfo.h"
+#include "document/XmlWriter.h"
+#include "json/JsonContext.h"
+#include "runtime/Compression.h"
+#include "runtime/FormatString.h"
+#include "runtime/MxException.h"
+#include "values/FacetCheck.h"
+
+#include <algorithm>
+
+namespace MxXmlLib
+{
+
+using WhitespaceRule = CWhitespaceUtils::WhitespaceRule;
+
+CSchemaValueType::CSchemaValueType(Variety variety_, char const *name_, ItemType itemType_, WhitespaceRule whitespace_,
+                                   CPrimitiveRestrictions const &facets_, int enumeration_, bool qname_,
+                                   int listLength_, int listMinLength_, int listMaxLength_,
+                                   std::vector<CSchemaValueType> items_)
+    : name(name_ ? name_ : ""), variety(variety_), itemType(itemType_), whitespace(whitespace_), facets(facets_),
+      enumeration(enumeration_), qname(qname_), listLength(listLength_), listMinLength(listMinLength_),
+      listMaxLength(listMaxLength_), items(std::move(items_))
+{
+}
+
+void CSchemaValueType::PreparePattern()
+{
+    if (variety != Variety::Atomic || enumeration >= 0 || itemType != ItemType_string || facets.pattern.empty())
+        return;
+    std::string converted;
+    m_pattern = std::make_shared<CXsdPattern const>(std::string(LocalToUtf8View(facets.pattern, converted)));
+}
+
+bool CSchemaValueType::HoldsQName() const
+{
+    if (qname)
+        return true;
+    for (CSchemaValueType const &item : items)
+        if (item.HoldsQName())
+            return true;
+    return false;
+}
+
+namespace
+{
+
+std::vector<std::string> Items(std::string const &collapsed)
+{
+    std::vector<std::string> items;
+    for (std::size_t start = 0; start < collapsed.size();)
+    {
+        std::size_t const end = std::min(collapsed.find(' ', start), collapsed.size());
+        items.push_back(collapsed.substr(start, end - start));
+        start = end + 1;
+    }
+    return items;
+}
+
+void CheckPattern(CSchemaValueType const &type, std::string const &text, char const *name)
+{
+    if (type.facets.pattern.empty())
+        return;
+    CPrimitiveRestrictions pattern(type.facets.pattern.c_str(), -1, -1, nullptr, nullptr, nullptr, nullptr, -1, -1, -1);
+    MxVariant v;
+    v.SetString(text);
+    CheckPrimitiveFacets(name, v, ItemType_string, pattern);
+}
+
+// The facet check of a string with a pattern, as CheckPrimitiveFacets makes
+// it, but with the pattern compiled once.
+void CheckPreparedPattern(char const *name, MxVariant const &value, CSchemaValueType const &type)
+{
+    CPrimitiveRestrictions others = type.facets;
+    others.pattern.clear();
+    CheckPrimitiveFacets(name, value, ItemType_string, others);
+    std::string const text = value.GetString();
+    bool matches;
+    try
+    {
+        matches = type.GetPreparedPattern()->Matches(text);
+    }
+    catch (CMxException const &e)
+    {
+        throw CMxException(FormatString("%s\nInvalid Value for %s [%s].", e.GetMessage().c_str(), name, text.c_str()));
+    }
+    if (!matches)
+        throw CMxException(FormatString("Invalid Value for %s [%s].", name, text.c_str()));
+}
+
+} // namespace
+
+void CheckSchemaEnumeration(CSchemaEnumerations const *all, CSchemaValueType const &type, std::string const &text)
+{
+    if (type.enumeration < 0 || all == nullptr)
+        return;
+    CSchemaEnumeration const &e = (*all)[static_cast<std::size_t>(type.enumeration)];
+    if (MatchSchemaEnumeration(all, e, text) < 0)
+        throw CMxInvalidValueException(
+            FormatString("Invalid value [%s] for the enumeration %s", text.c_str(), e.name.c_str()));
+}
+
+std::string CanonicalSchemaValue(CSchemaEnumerations const *all, CSchemaValueType const &type,
+                                 std::string const &text, char const *name)
+{
+    switch (type.variety)
+    {
+    case CSchemaValueType::Variety::Atomic:
+    {
+        if (type.itemType == ItemType_string)
+        {
+            std::string const t = CWhitespaceUtils::ApplyRule(type.whitespace, text);
+            MxVariant v;
+            v.SetString(t);
+            CheckPrimitiveFacets(name, v, ItemType_string, type.facets);
+            return t;
+        }
+        MxVariant v;
+        v.FromString(text, type.itemType, type.whitespace);
+        CheckPrimitiveFacets(name, v, type.itemType, type.facets);
+        std::string canonical = v.ToString();
+        // A zero offset is UTC whichever way it is written.
+        std::size_t const n = canonical.size();
+        if (n > 6 && (canonical.compare(n - 6, 6, "+00:00") == 0 || canonical.compare(n - 6, 6, "-00:00") == 0))
+            canonical.replace(n - 6, 6, "Z");
+        return canonical;
+    }
+    case CSchemaValueType::Variety::List:
+    {
+        std::string const t = CWhitespaceUtils::ApplyRule(WhitespaceRule::Collapse, text);
+        std::vector<std::string> const items = Items(t);
+        int const n = static_cast<int>(items.size());
+        if (type.listLength >= 0 && n != type.listLength)
+            throw CMxInvalidValueException(FormatString("The list [%s] has %d items where %d are required", t.c_str(),
+                                                        n, type.listLength));
+        if (type.listMinLength >= 0 && n < type.listMinLength)
+            throw CMxInvalidValueException(FormatString("The list [%s] has %d items, fewer than the %d required",
+                                                        t.c_str(), n, type.listMinLength));
+        if (type.listMaxLength >= 0 && n > type.listMaxLength)
+            throw CMxInvalidValueException(FormatString("The list [%s] has %d items, more than the %d allowed",
+                                                        t.c_str(), n, type.listMaxLength));
+        CheckPattern(type, t, name);
+        std::string canonical;
+        for (std::string const &item : items)
+        {
+            if (type.items.empty())
+            {
+                canonical += (canonical.empty() ? "" : " ") + item;
+                continue;
+            }
+            std::string const c = CanonicalSchemaValue(all, type.items.front(), item, name);
+            CheckSchemaEnumeration(all, type.items.front(), item);
+            canonical += (canonical.empty() ? "" : " ") + c;
+        }
+        return canonical;
+    }
+    case CSchemaValueType::Variety::Union:
+    {
+        std::string const t = CWhitespaceUtils::ApplyRule(type.whitespace, text);
+        CheckPattern(type, t, name);
+        for (CSchemaValueType const &member : type.items)
+        {
+            try
+            {
+                std::string const c = CanonicalSchemaValue(all, member, text, name);
+                CheckSchemaEnumeration(all, member, text);
+                return c;
+            }
+            catch (CMxException const &)
+            {
+            }
+        }
+        if (type.items.empty())
+            return t;
+        throw CMxInvalidValueException(
+            FormatString("The value [%s] is valid for none of the member types of %s", t.c_str(), type.name.c_str()));
+    }
+    }
+    return text;
+}
+
+int MatchSchemaEnumeration(CSchemaEnumerations const *all, CSchemaEnumeration const &e, std::string const &text)
+{
+    for (std::size_t i = 0; i < e.values.size(); ++i)
+        if (e.values[i] == text)
+            return static_cast<int>(i);
+    std::string canonical;
+    try
+    {
+        canonical = CanonicalSchemaValue(all, e.type, text, e.name.c_str());
+    }
+    catch (CMxException const &)
+    {
+        return -1;
+    }
+    for (std::size_t i = 0; i < e.values.size(); ++i)
+    {
+        try
+        {
+            if (CanonicalSchemaValue(all, e.type, e.values[i], e.name.c_str()) == canonical)
+                return static_cast<int>(i);
+        }
+        catch (CMxException const &)
+        {
+        }
+    }
+    return -1;
+}
+
+char const *SchemaEnumerationToString(CSchemaEnumeration const &e, int value)
+{
+    if (value < 0 || static_cast<std::size_t>(value) >= e.values.size())
+        return "";
+    return e.values[static_cast<std::size_t>(value)].c_str();
+}
+
+int SchemaEnumerationFromString(CSchemaEnumeration const &e, char const *text)
+{
+    int const index = MatchSchemaEnumeration(nullptr, e, text ? text : "");
+    if (index >= 0)
+        return index;
+    throw CMxInvalidValueException(FormatString("Invalid value [%s] for the enumeration %s", text, e.name.c_str()));
+}
+
+void CheckStoredSchemaValue(CSchemaEnumerations const *all, CSchemaValueType const &type, char const *name,
+                            MxVariant const &value)
+{
+    if (value.GetTypeAsEnum() == ItemType_None || value.IsNil())
+        return;
+    if (type.GetPreparedPattern() != nullptr)
+        CheckPreparedPattern(name, value, type);
+    else if (type.variety == CSchemaValueType::Variety::Atomic && type.enumeration < 0)
+        CheckPrimitiveFacets(name, value, type.itemType, type.facets);
+    else
+    {
+        std::string const text = value.GetTypeAsEnum() == ItemType_string ? value.GetString() : value.ToString();
+        CanonicalSchemaValue(all, type, text, name);
+        CheckSchemaEnumeration(all, type, text);
+    }
+}
+
+void CollectSchemaValuePrefixes(CXmlElement const *element, CSchemaValueType const &type, MxVariant const &cell,
+                                SchemaValuePrefixes &prefixes)
+{
+    if (element == nullptr || element->GetDocument() == nullptr || !type.HoldsQName() ||
+        cell.GetTypeAsEnum() != ItemType_string)
+        return;
+    std::string const text = CWhitespaceUtils::ApplyRule(WhitespaceRule::Collapse, cell.GetString());
+    for (std::string const &item : Items(text))
+    {
+        std::size_t const colon = item.find(':');
+        if (colon == std::string::npos)
+            continue;
+        std::string const prefix = item.substr(0, colon);
+        std::string const uri = element->GetDocument()->LookupNamespaceFromAlias(prefix.c_str());
+        if (!uri.empty())
+            prefixes.emplace_back(prefix, uri);
+    }
+}
+
+void DeclareSchemaValuePrefixes(CXmlWriter *writer, SchemaValuePrefixes const &prefixes)
+{
+    // The writer declares a prefix only where a name uses it; a prefix in a
+    // value is declared by hand, once, unless an enclosing element declared
+    // it already, and entered in the scope so that the writer does not take
+    // it for another namespace. Every decision is taken before the first
+    // declaration changes the scope.
+    CXmlWriter::CXmlWriterContext const *scope = writer->GetCurrentContext();
+    SchemaValuePrefixes undeclared;
+    for (auto const &binding : prefixes)
+    {
+        std::string const *known = scope ? scope->FindPrefix(binding.second) : nullptr;
+        if ((known != nullptr && *known == binding.first) ||
+            std::any_of(undeclared.begin(), undeclared.end(), [&](auto const &u) { return u.first == binding.first; }))
+            continue;
+        undeclared.push_back(binding);
+    }
+    for (auto const &[prefix, uri] : undeclared)
+    {
+        writer->AddNamespace(prefix, uri);
+        writer->WriteAttribute("xmlns:" + prefix, std::string(), uri, ItemType_string);
+    }
+}
+
+namespace
+{
+void InitSchemaTree(CXmlGeneratedClass &object, std::vector<MxXmlLibData::CParentElementInfo const *> &chain)
+{
+    object.Init();
+    chain.push_back(object.GetParentElementInfo());
+    for (MxXmlLibData::CElementInfo **row = object.GetClassElementInfo(); row != nullptr && *row != nullptr; ++row)
+    {
+        int const property = (*row)->GetPropertyIndex();
+        if (property < 0)
+            continue;
+        MxVariant cell;
+        object.AccessProperty(property, true, cell);
+        auto *child = cell.GetTypeAsEnum() == ItemType_XmlObject
+                          ? dynamic_cast<CXmlGeneratedClass *>(cell.GetXmlObject().Get())
+                          : nullptr;
+        if (child != nullptr && std::find(chain.begin(), chain.end(), child->GetParentElementInfo()) == chain.end())
+            InitSchemaTree(*child, chain);
+    }
+    chain.pop_back();
+}
+} // namespace
+
+void InitSchemaTree(CXmlGeneratedClass &object)
+{
+    std::vector<MxXmlLibData::CParentElementInfo const *> chain;
+    InitSchemaTree(object, chain);
+}
+
+bool LooksLikeJsonDocument(CBinaryData const &bytes)
+{
+    unsigned char const *p = bytes.GetData();
+    unsigned long const n = bytes.GetLength();
+    unsigned long i = 0;
+    // A UTF-8 byte order mark may stand first.
+    if (n >= 3 && p[0] == 0xEF && p[1] == 0xBB && p[2] == 0xBF)
+        i = 3;
+    for (; i < n; ++i)
+        if (p[i] != ' ' && p[i] != '\t' && p[i] != '\r' && p[i] != '\n')
+            return p[i] == '{';
+    return false;
+}
+
+CSmartPtr<CXmlObjectBase> ReadSchemaDocument(CBinaryData const &bytes, CSerializationContext const &context,
+                                             SchemaRootFactory const &createFor)
+{
+    CXmlDocument document(context);
+    CBinaryData plain(bytes);
+    Decompress(plain);
+    bool const json = LooksLikeJsonDocument(plain);
+    if (json)
+    {
+        CBinaryData xml = document.LoadJsonStream(plain.GetData(), plain.GetLength());
+        document.LoadXmlStream(xml.GetData(), xml.GetLength());
+    }
+    else
+        document.LoadXmlStream(plain.GetData(), plain.GetLength());
+    CXmlElement *root = document.GetDocumentElement();
+    if (root == nullptr)
+        throw CMxException("The document has no root element");
+    CSerializationContext reading(context);
+    if (json && context.GetJsonContext().GetSupportRoundtrip() != RoundTripFull)
+        reading.SetIgnoreNamespaces(true);
+    CSmartPtr<CXmlObjectBase> made = createFor(root);
+    if (dynamic_cast<CElement *>(made.Get()) != nullptr)
+        // An untyped element reads the element at the cursor, not its children.
+        CXmlObjectBase::FromXml_Int(made, root, root, reading);
+    else
+        made->FromXmlElement(root, reading);
+    return made;
+}
+
+} // namespace MxXmlLib

@@ -1,0 +1,137 @@
+#pragma once
+
+// What a class bound from a schema checks when a value is stored, shared by
+// the classes that the schema compiler loads at run time and the classes it
+// generates as C++, so that the two check alike and say the same.
+//
+// The rows convert the text of an atomic value; they do not know the simple
+// types that are held as their text: lists (items counted and checked one
+// by one), unions (the first member that takes the text wins), and numbers,
+// dates and booleans with a pattern or an enumeration, whose lexical form
+// matters. A CSchemaValueType describes such a type, and
+// CheckStoredSchemaValue is what a property function calls before it stores
+// a value of it.
+
+#include "binding/SerializationContext.h"
+#include "binding/XmlGeneratedClass.h"
+#include "binding/XmlObjectBase.h"
+#include "values/BinaryData.h"
+#include "values/PrimitiveRestrictions.h"
+#include "values/Variant.h"
+#include "values/WhitespaceUtils.h"
+#include "values/XsdPattern.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace MxXmlLib
+{
+
+class CXmlElement;
+class CXmlWriter;
+
+struct CSchemaValueType
+{
+    enum class Variety
+    {
+        Atomic,
+        List,  // `items` holds the item type; the list facets count items
+        Union, // `items` holds the member types, tried in order
+    };
+    std::string name; // for messages: the schema's name of the type
+    Variety variety = Variety::Atomic;
+    ItemType itemType = ItemType_string;
+    CWhitespaceUtils::WhitespaceRule whitespace = CWhitespaceUtils::WhitespaceRule::Preserve;
+    CPrimitiveRestrictions facets{nullptr, -1, -1, nullptr, nullptr, nullptr, nullptr, -1, -1, -1};
+    int enumeration = -1; // index into the set's enumerations
+    bool qname = false;   // QName or NOTATION: a prefix in the text must be declared where it is written
+    int listLength = -1, listMinLength = -1, listMaxLength = -1;
+    std::vector<CSchemaValueType> items;
+
+    CSchemaValueType() = default;
+    CSchemaValueType(Variety variety, char const *name, ItemType itemType, CWhitespaceUtils::WhitespaceRule whitespace,
+                     CPrimitiveRestrictions const &facets, int enumeration, bool qname, int listLength,
+                     int listMinLength, int listMaxLength, std::vector<CSchemaValueType> items = {});
+
+    // Compiles the pattern of an atomic string once (PreparePattern), for
+    // a type whose values are stored often; copies share it.
+    void PreparePattern();
+    std::shared_ptr<CXsdPattern const> const &GetPreparedPattern() const { return m_pattern; }
+
+    // Whether the type or one of its items or members is a QName.
+    bool HoldsQName() const;
+
+private:
+    std::shared_ptr<CXsdPattern const> m_pattern;
+};
+
+struct CSchemaEnumeration
+{
+    std::string name;                // for messages
+    std::vector<std::string> values; // index = the enumeration's number
+    // The type whose values these are: text matches a value when both have
+    // the same canonical form in it (" 1.0 " is the decimal 1).
+    CSchemaValueType type;
+};
+
+using CSchemaEnumerations = std::vector<CSchemaEnumeration>;
+
+// The canonical text of `text` as a value of `type`, after every facet check
+// but the enumeration of `type` itself; raises the facet's message when the
+// text is no such value. `all` gives the enumerations that list items and
+// union members are checked against; null checks none of them.
+std::string CanonicalSchemaValue(CSchemaEnumerations const *all, CSchemaValueType const &type,
+                                 std::string const &text, char const *name);
+
+// Raises CMxInvalidValueException "Invalid value [text] for the enumeration
+// name" when `type` has an enumeration (of `all`) that `text` matches none of.
+void CheckSchemaEnumeration(CSchemaEnumerations const *all, CSchemaValueType const &type, std::string const &text);
+
+// The index of the value of `e` that `text` stands for, or -1: the same
+// text, else the same canonical value.
+int MatchSchemaEnumeration(CSchemaEnumerations const *all, CSchemaEnumeration const &e, std::string const &text);
+
+// The enumeration function pair of the rows: the text of a number ("" when
+// out of range), and the number of a text, raising CMxInvalidValueException
+// "Invalid value [text] for the enumeration name" when it matches none.
+char const *SchemaEnumerationToString(CSchemaEnumeration const &e, int value);
+int SchemaEnumerationFromString(CSchemaEnumeration const &e, char const *text);
+
+// The checks of a value about to be stored in the property `name` whose
+// type is `type`: nothing for an unset or nil value; the prepared pattern
+// and the other facets of an atomic string; the facets of another atomic
+// type; and for a value held as its text, its canonical form in `type` and
+// the enumeration. Raises the message of the first check that fails.
+void CheckStoredSchemaValue(CSchemaEnumerations const *all, CSchemaValueType const &type, char const *name,
+                            MxVariant const &value);
+
+// The prefixes used in QName values: reading notes the namespace each stands
+// for in the element that held it, and writing declares them on the element
+// that holds the value again, so that the value keeps its meaning.
+using SchemaValuePrefixes = std::vector<std::pair<std::string, std::string>>; // prefix, namespace URI
+void CollectSchemaValuePrefixes(CXmlElement const *element, CSchemaValueType const &type, MxVariant const &cell,
+                                SchemaValuePrefixes &prefixes);
+void DeclareSchemaValuePrefixes(CXmlWriter *writer, SchemaValuePrefixes const &prefixes);
+
+// Init, and the same for every child object that Init made, down to where a
+// class would contain itself: an object of a global element that a program
+// can fill and write. A child whose class is already on the way down gets
+// Init alone, since no document could fill more.
+void InitSchemaTree(CXmlGeneratedClass &object);
+
+// Whether bytes (after any compression) look like JSON rather than XML or
+// Fast Infoset: the first byte that is not white space is '{'.
+bool LooksLikeJsonDocument(CBinaryData const &bytes);
+
+// Reads a document (XML text or Fast Infoset, maybe compressed, or JSON) into
+// the object that `createFor` makes for its root element. JSON that is not a
+// full round trip keeps no namespaces, so its elements match by local name.
+// Raises CMxException "The document has no root element" for an empty one.
+using SchemaRootFactory = std::function<CSmartPtr<CXmlObjectBase>(CXmlElement *root)>;
+CSmartPtr<CXmlObjectBase> ReadSchemaDocument(CBinaryData const &bytes, CSerializationContext const &context,
+                                             SchemaRootFactory const &createFor);
+
+} // namespace MxXmlLib
