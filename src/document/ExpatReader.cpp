@@ -102,9 +102,13 @@ void CExpatReader::Init()
 
 void CExpatReader::Parse(bool isFinal)
 {
+    Parse(reinterpret_cast<char const *>(m_document->m_buffer), m_document->m_bufferLength, isFinal);
+}
+
+void CExpatReader::Parse(char const *data, unsigned long length, bool isFinal)
+{
     XML_Parser parser = AsParser(m_parser);
-    unsigned long remaining = m_document->m_bufferLength;
-    char const *data = reinterpret_cast<char const *>(m_document->m_buffer);
+    unsigned long remaining = length;
     XML_Status status = XML_STATUS_OK;
     // XML_Parse takes an int length; larger buffers go in slices.
     constexpr unsigned long kSlice = 1UL << 30;
