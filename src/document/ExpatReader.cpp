@@ -222,7 +222,13 @@ void CExpatReader::CharacterDataHandler(void *userData, char const *text, int le
         if (document->m_elementStack.empty())
             return;
         std::string_view const local = self->ToLocal(text, static_cast<std::size_t>(length));
-        CXmlDocument::AppendTextExcludingCR(document->m_elementStack.back(), local.data(), local.size());
+        // Expat's text holds no zero byte, and a carriage return only where a
+        // character reference wrote one: most pieces go in whole.
+        CXmlElement *const element = document->m_elementStack.back();
+        if (std::memchr(local.data(), '\r', local.size()) == nullptr)
+            element->AppendText(local.data(), static_cast<int>(local.size()));
+        else
+            CXmlDocument::AppendTextExcludingCR(element, local.data(), local.size());
     }
     catch (...)
     {

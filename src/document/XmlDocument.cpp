@@ -133,7 +133,11 @@ void CXmlElement::DropContent()
             m_document->DestroyAttribute(attribute);
         m_attributes.reset();
     }
-    std::string().swap(m_text);
+    if (m_text)
+    {
+        m_document->DestroyText(m_text);
+        m_text = nullptr;
+    }
 }
 
 CXmlElement *CXmlElement::AwaitNextSibling() const
@@ -157,6 +161,11 @@ void CXmlElement::AwaitEnd() const
     while (m_open && m_document->ParseMore())
     {
     }
+}
+
+std::string const &CXmlElement::NoText()
+{
+    return EmptyString();
 }
 
 std::vector<CXmlAttribute *> const &CXmlElement::GetAttributes() const
@@ -193,10 +202,13 @@ void CXmlElement::AppendText(char const *text, int length)
 {
     if (length <= 0)
         return;
-    std::size_t const needed = m_text.size() + static_cast<std::size_t>(length);
-    if (!m_text.empty() && needed > m_text.capacity())
-        m_text.reserve(std::max(2 * m_text.capacity(), needed));
-    m_text.append(text, static_cast<std::size_t>(length));
+    if (m_text == nullptr)
+        m_text = m_document->NewText();
+    std::string &own = *m_text;
+    std::size_t const needed = own.size() + static_cast<std::size_t>(length);
+    if (!own.empty() && needed > own.capacity())
+        own.reserve(std::max(2 * own.capacity(), needed));
+    own.append(text, static_cast<std::size_t>(length));
 }
 
 CXmlElement *CXmlElement::CreateNewChildElement()
@@ -324,6 +336,18 @@ CXmlAttribute *CXmlDocument::NewAttribute(CXmlElement const *element, std::strin
                                           std::string const *namespaceUri)
 {
     return new (m_pool->Allocate(sizeof(CXmlAttribute))) CXmlAttribute(element, localName, namespaceUri);
+}
+
+std::string *CXmlDocument::NewText()
+{
+    return new (m_pool->Allocate(sizeof(std::string))) std::string();
+}
+
+void CXmlDocument::DestroyText(std::string *text)
+{
+    using String = std::string;
+    text->~String();
+    m_pool->Free(text, sizeof(std::string));
 }
 
 void CXmlDocument::DestroyAttribute(CXmlAttribute *attribute)

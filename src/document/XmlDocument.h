@@ -102,7 +102,7 @@ public:
     {
         if (m_open)
             AwaitEnd();
-        return m_text;
+        return m_text ? *m_text : NoText();
     }
     std::vector<CXmlAttribute *> const &GetAttributes() const;
     // The value of the first attribute with exactly this name and namespace,
@@ -135,6 +135,7 @@ private:
     // read has taken from an element, while its name and place in the tree
     // stay for the paths of later messages.
     void DropContent();
+    static std::string const &NoText();
     // Adds an attribute with interned names and an empty value, and returns it.
     CXmlAttribute *AddAttribute(std::string const *localName, std::string const *namespaceUri,
                                 std::size_t expectedCount);
@@ -146,7 +147,10 @@ private:
     CXmlElement *m_lastChild;
     // Most elements carry no attributes: the vector exists only when needed.
     std::unique_ptr<std::vector<CXmlAttribute *>> m_attributes;
-    std::string m_text;
+    // Made in the document's pool with the first character data, so that an
+    // element without text, or one whose content a read has dropped, keeps
+    // only a pointer.
+    std::string *m_text = nullptr;
     std::string const *m_localName;
     std::string const *m_namespaceUri;
     // Its end tag is still to come: only while a document is read as it is
@@ -302,6 +306,8 @@ private:
     CXmlAttribute *NewAttribute(CXmlElement const *element, std::string const *localName,
                                 std::string const *namespaceUri);
     void DestroyAttribute(CXmlAttribute *attribute);
+    std::string *NewText();
+    void DestroyText(std::string *text);
     // The chunked file load: where the next chunk comes from, the file, and
     // the size of the chunk read last.
     std::uint64_t m_fileOffset;
