@@ -484,7 +484,7 @@ namespace
 // Input parsed at a time when a document is read while it is parsed: small
 // enough that the tree ahead of the reading stays small, large enough that
 // slicing costs nothing measurable.
-constexpr unsigned long kLazySlice = 64 * 1024;
+constexpr unsigned long kLazySlice = 16 * 1024;
 } // namespace
 
 bool CXmlDocument::ParseMore()
