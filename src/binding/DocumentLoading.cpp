@@ -81,7 +81,8 @@ void CXmlDocument::LoadXml(char const *text)
         SetBorrowedBuffer(nullptr, 0);
         throw;
     }
-    SetBorrowedBuffer(nullptr, 0);
+    if (!m_readWhileParsing)
+        SetBorrowedBuffer(nullptr, 0);
 }
 
 void CXmlDocument::LoadXml(wchar_t const *text)
@@ -169,6 +170,18 @@ CBinaryData CXmlDocument::ParseJsonText(std::string const &json) const
 
 void CXmlDocument::ParseText()
 {
+    if (m_readWhileParsing)
+    {
+        // The buffer stays until FinishParse: the parse goes on from it as
+        // the reading asks. Parsed here only as far as the document element.
+        m_lazyReader = std::make_unique<CExpatReader>(this);
+        m_lazyReader->Init();
+        m_lazyOffset = 0;
+        while (m_documentElement == nullptr && ParseMore())
+        {
+        }
+        return;
+    }
     CExpatReader reader(this);
     reader.Init();
     reader.Parse(true);
@@ -233,7 +246,7 @@ void CXmlDocument::LoadXmlStream(unsigned char *const bytes, unsigned long lengt
             SetBorrowedBuffer(nullptr, 0);
         throw;
     }
-    if (m_buffer == bytes)
+    if (m_buffer == bytes && !m_readWhileParsing)
         SetBorrowedBuffer(nullptr, 0);
 }
 

@@ -51,6 +51,7 @@ CSerializationContext &CSerializationContext::operator=(CSerializationContext co
     m_writeDefaultElementValues = other.m_writeDefaultElementValues;
     m_stripCDATA = other.m_stripCDATA;
     m_indentChars = other.m_indentChars;
+    m_reuseCompiledPatterns = other.m_reuseCompiledPatterns;
     return *this;
 }
 

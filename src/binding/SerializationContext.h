@@ -81,6 +81,13 @@ public:
     void SetWriteDefaultElementValues(bool value) { m_writeDefaultElementValues = value; }
     bool GetStripCDATA() const { return m_stripCDATA; }
     void SetStripCDATA(bool value) { m_stripCDATA = value; }
+    // Off unless set: each pattern facet is compiled for every value it
+    // checks, and nothing compiled is kept. Set, the element and attribute
+    // rows keep their pattern compiled after its first use (for the life of
+    // the loaded classes), which takes most of the cost out of writing values
+    // with patterns. Checks and messages stay the same either way.
+    bool GetReuseCompiledPatterns() const { return m_reuseCompiledPatterns; }
+    void SetReuseCompiledPatterns(bool value) { m_reuseCompiledPatterns = value; }
 
     std::string GetIndentChars() const { return m_indentChars; }
     // Only spaces and tabs; null empties it. Raises CMxInvalidParamException.
@@ -109,6 +116,7 @@ private:
     bool m_writeDefaultElementValues;
     bool m_stripCDATA;
     std::string m_indentChars;
+    bool m_reuseCompiledPatterns = false;
 
     static CSerializationContext m_defaultContext;
 };

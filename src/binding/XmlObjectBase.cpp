@@ -1,4 +1,6 @@
 #include "binding/XmlObjectBase.h"
+#include "binding/XmlGeneratedClass.h"
+#include "metadata/ElementInfo.h"
 
 #include "collections/Element.h"
 #include "collections/XmlCollectionBase.h"
@@ -222,9 +224,9 @@ void CXmlObjectBase::FromXmlFile(char const *fileName, CSerializationContext con
 {
     CheckVersion();
     CXmlDocument document(context);
+    document.ReadWhileParsing();
     document.Load(fileName);
-    CXmlElement *root = document.GetDocumentElement();
-    FromXml_Int(root, root ? root->GetFirstElement() : nullptr, context, false);
+    ReadParsedDocument(document, context);
 }
 
 void CXmlObjectBase::WriteJsonText(CTextStream &stream, bool formatted, EOLType eolType,
@@ -358,18 +360,18 @@ void CXmlObjectBase::FromXml(wchar_t const *text, CSerializationContext const &c
 {
     CheckVersion();
     CXmlDocument document(context);
+    document.ReadWhileParsing();
     document.LoadXml(text);
-    CXmlElement *root = document.GetDocumentElement();
-    FromXml_Int(root, root ? root->GetFirstElement() : nullptr, context, false);
+    ReadParsedDocument(document, context);
 }
 
 void CXmlObjectBase::FromXml(char const *text, CSerializationContext const &context)
 {
     CheckVersion();
     CXmlDocument document(context);
+    document.ReadWhileParsing();
     document.LoadXml(text);
-    CXmlElement *root = document.GetDocumentElement();
-    FromXml_Int(root, root ? root->GetFirstElement() : nullptr, context, false);
+    ReadParsedDocument(document, context);
 }
 
 void CXmlObjectBase::FromXmlStream(CBinaryData const &data, CSerializationContext const &context)
@@ -382,9 +384,27 @@ void CXmlObjectBase::FromXmlStream(unsigned char *const bytes, unsigned long len
 {
     CheckVersion();
     CXmlDocument document(context);
+    document.ReadWhileParsing();
     document.LoadXmlStream(bytes, length);
+    ReadParsedDocument(document, context);
+}
+
+void CXmlObjectBase::ReadParsedDocument(CXmlDocument &document, CSerializationContext const &context)
+{
     CXmlElement *root = document.GetDocumentElement();
-    FromXml_Int(root, root ? root->GetFirstElement() : nullptr, context, false);
+    if (root == nullptr)
+        document.FinishParse(); // a text without an element fails in the parse
+    document.BeginOwnRead(root);
+    try
+    {
+        FromXml_Int(root, root ? root->GetFirstElement() : nullptr, context, false);
+    }
+    catch (...)
+    {
+        document.FinishParse();
+        throw;
+    }
+    document.FinishParse();
 }
 
 void CXmlObjectBase::FromXmlElement(CXmlElement const *element, CSerializationContext const &context)
@@ -437,13 +457,43 @@ void CXmlObjectBase::ToXml_Int(CXmlObjectBase const *object, CXmlWriter *writer,
 CXmlElement *CXmlObjectBase::FromXml_Int(CXmlObjectBase *object, CXmlElement *element, CXmlElement *cursor,
                                          CSerializationContext const &context)
 {
-    return object->FromXml_Int(element, cursor, context, false);
+    return FromXml_Int(object, element, cursor, context, false);
 }
 
+// Every read of a child object passes here, which makes it the place where a
+// frame's document learns what the reading has taken. A class that reads a
+// child of the element under the innermost read as an element of its own has
+// taken it for good once its read returns, unless an inline read around it
+// may still be undone by its caller (which then offers the same elements to
+// another row): so inline classes count as undoable while they read, and
+// the content of an element is dropped only when none is open.
 CXmlElement *CXmlObjectBase::FromXml_Int(CXmlObjectBase *object, CXmlElement *element, CXmlElement *cursor,
                                          CSerializationContext const &context, bool optionalChoice)
 {
-    return object->FromXml_Int(element, cursor, context, optionalChoice);
+    CXmlDocument *const document = element ? element->GetDocument() : nullptr;
+    if (document == nullptr || !document->DropsReadContent())
+        return object->FromXml_Int(element, cursor, context, optionalChoice);
+    auto *const generated = dynamic_cast<CXmlGeneratedClass *>(object);
+    if (generated == nullptr)
+        return object->FromXml_Int(element, cursor, context, optionalChoice);
+    bool const own = generated->GetParentElementInfo()->GetElementType() == MxXmlLibData::XmlElementType_Element &&
+                     document->IsChildOfRead(element);
+    struct Scope
+    {
+        CXmlDocument *document;
+        bool own;
+        ~Scope() { own ? document->EndOwnRead() : document->EndUndoableRead(); }
+    } const scope{document, own};
+    if (own)
+        document->BeginOwnRead(element);
+    else
+        document->BeginUndoableRead();
+    CXmlElement *const next = object->FromXml_Int(element, cursor, context, optionalChoice);
+    // What the class gives back lies inside the element, and the callers of
+    // a read of an element of its own do not look at it.
+    if (own)
+        document->ElementRead(element);
+    return next;
 }
 
 void CXmlObjectBase::Throw_IfPropertyIsNull(CXmlObjectBase *value, char const *name)

@@ -11,6 +11,7 @@ namespace MxXmlLib
 {
 
 class CXmlElement;
+class CXmlDocument;
 class CXmlWriter;
 class CXmlCollectionBase;
 class CElement;
@@ -209,6 +210,10 @@ protected:
 private:
     // Reads the XML translation of a JSON text.
     void FromJson_Int(CBinaryData const &xml, CSerializationContext const &context);
+    // The read of a frame that owns `document`, loaded to be read while it
+    // is parsed: the document element, then the rest of the parse, whose
+    // failure comes first, as if the whole text had been parsed before.
+    void ReadParsedDocument(CXmlDocument &document, CSerializationContext const &context);
 
     std::string m_elementName;
     std::atomic<long> m_refCount;

@@ -102,9 +102,13 @@ void CExpatReader::Init()
 
 void CExpatReader::Parse(bool isFinal)
 {
+    Parse(reinterpret_cast<char const *>(m_document->m_buffer), m_document->m_bufferLength, isFinal);
+}
+
+void CExpatReader::Parse(char const *data, unsigned long length, bool isFinal)
+{
     XML_Parser parser = AsParser(m_parser);
-    unsigned long remaining = m_document->m_bufferLength;
-    char const *data = reinterpret_cast<char const *>(m_document->m_buffer);
+    unsigned long remaining = length;
     XML_Status status = XML_STATUS_OK;
     // XML_Parse takes an int length; larger buffers go in slices.
     constexpr unsigned long kSlice = 1UL << 30;
@@ -218,7 +222,13 @@ void CExpatReader::CharacterDataHandler(void *userData, char const *text, int le
         if (document->m_elementStack.empty())
             return;
         std::string_view const local = self->ToLocal(text, static_cast<std::size_t>(length));
-        CXmlDocument::AppendTextExcludingCR(document->m_elementStack.back(), local.data(), local.size());
+        // Expat's text holds no zero byte, and a carriage return only where a
+        // character reference wrote one: most pieces go in whole.
+        CXmlElement *const element = document->m_elementStack.back();
+        if (std::memchr(local.data(), '\r', local.size()) == nullptr)
+            element->AppendText(local.data(), static_cast<int>(local.size()));
+        else
+            CXmlDocument::AppendTextExcludingCR(element, local.data(), local.size());
     }
     catch (...)
     {

@@ -25,6 +25,8 @@ public:
     // Parses the document's current buffer; failures raise "%s at line %d".
     // The parser is gone after a final call or any failure.
     void Parse(bool isFinal);
+    // Parses `length` bytes that follow those parsed before, as above.
+    void Parse(char const *data, unsigned long length, bool isFinal);
 
 private:
     static void StartElementHandler(void *userData, char const *name, char const **attributes);

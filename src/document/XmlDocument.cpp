@@ -103,6 +103,11 @@ CXmlElement::CXmlElement(CXmlDocument *document, CXmlElement *parent)
 
 CXmlElement::~CXmlElement()
 {
+    DropContent();
+}
+
+void CXmlElement::DropContent()
+{
     // Without recursion, since a document may nest deeper than the stack
     // allows, and without allocating, since a destructor must not fail: the
     // walk follows the parent links. Each element is unlinked from its
@@ -122,10 +127,45 @@ CXmlElement::~CXmlElement()
         m_document->DestroyElement(e);
         e = next;
     }
-    m_lastChild = nullptr;
     if (m_attributes)
+    {
         for (CXmlAttribute *attribute : *m_attributes)
             m_document->DestroyAttribute(attribute);
+        m_attributes.reset();
+    }
+    if (m_text)
+    {
+        m_document->DestroyText(m_text);
+        m_text = nullptr;
+    }
+}
+
+CXmlElement *CXmlElement::AwaitNextSibling() const
+{
+    while (m_nextSibling == nullptr && m_parent->m_open && m_document->ParseMore())
+    {
+    }
+    return m_nextSibling;
+}
+
+CXmlElement *CXmlElement::AwaitFirstChild() const
+{
+    while (m_firstChild == nullptr && m_open && m_document->ParseMore())
+    {
+    }
+    return m_firstChild;
+}
+
+void CXmlElement::AwaitEnd() const
+{
+    while (m_open && m_document->ParseMore())
+    {
+    }
+}
+
+std::string const &CXmlElement::NoText()
+{
+    return EmptyString();
 }
 
 std::vector<CXmlAttribute *> const &CXmlElement::GetAttributes() const
@@ -162,10 +202,13 @@ void CXmlElement::AppendText(char const *text, int length)
 {
     if (length <= 0)
         return;
-    std::size_t const needed = m_text.size() + static_cast<std::size_t>(length);
-    if (!m_text.empty() && needed > m_text.capacity())
-        m_text.reserve(std::max(2 * m_text.capacity(), needed));
-    m_text.append(text, static_cast<std::size_t>(length));
+    if (m_text == nullptr)
+        m_text = m_document->NewText();
+    std::string &own = *m_text;
+    std::size_t const needed = own.size() + static_cast<std::size_t>(length);
+    if (!own.empty() && needed > own.capacity())
+        own.reserve(std::max(2 * own.capacity(), needed));
+    own.append(text, static_cast<std::size_t>(length));
 }
 
 CXmlElement *CXmlElement::CreateNewChildElement()
@@ -254,6 +297,10 @@ std::string CXmlElement::GetNameWithPredicate() const
 
 std::string CXmlElement::GetXPath() const
 {
+    // Positions count the siblings that follow, and prefixes are those of
+    // the whole document.
+    if (m_document)
+        m_document->ParseToEnd();
     std::vector<CXmlElement const *> chain;
     for (CXmlElement const *e = this; e; e = e->m_parent)
         chain.push_back(e);
@@ -291,6 +338,18 @@ CXmlAttribute *CXmlDocument::NewAttribute(CXmlElement const *element, std::strin
     return new (m_pool->Allocate(sizeof(CXmlAttribute))) CXmlAttribute(element, localName, namespaceUri);
 }
 
+std::string *CXmlDocument::NewText()
+{
+    return new (m_pool->Allocate(sizeof(std::string))) std::string();
+}
+
+void CXmlDocument::DestroyText(std::string *text)
+{
+    using String = std::string;
+    text->~String();
+    m_pool->Free(text, sizeof(std::string));
+}
+
 void CXmlDocument::DestroyAttribute(CXmlAttribute *attribute)
 {
     // An element's list holds null for an attribute whose allocation failed.
@@ -312,6 +371,11 @@ void CXmlDocument::Cleanup()
 
 void CXmlDocument::CleanupThis()
 {
+    m_lazyReader.reset();
+    m_lazyFailure = nullptr;
+    m_lazyOffset = 0;
+    m_undoableReads = 0;
+    m_ownReads.clear();
     DestroyElement(m_documentElement);
     m_documentElement = nullptr;
     if (m_bufferOwned)
@@ -355,12 +419,14 @@ void CXmlDocument::SetBorrowedBuffer(void const *data, unsigned long length)
 
 std::string CXmlDocument::LookupNamespaceFromAlias(char const *prefix) const
 {
+    ParseToEnd();
     auto found = m_namespaceMap.find(prefix ? prefix : "");
     return found == m_namespaceMap.end() ? std::string() : found->second;
 }
 
 std::string CXmlDocument::LookupAliasFromNamespace(char const *uri) const
 {
+    ParseToEnd();
     std::string const wanted = uri ? uri : "";
     for (auto const &entry : m_namespaceMap)
         if (entry.second == wanted)
@@ -397,6 +463,7 @@ CXmlElement *CXmlDocument::AddElement(std::string const *namespaceUri, std::stri
         element = m_elementStack.back()->CreateNewChildElement();
     element->m_namespaceUri = namespaceUri;
     element->m_localName = localName;
+    element->m_open = m_lazyReader != nullptr;
     m_elementStack.push_back(element);
     return element;
 }
@@ -406,9 +473,77 @@ void CXmlDocument::EndElement()
     if (m_elementStack.empty())
         return;
     CXmlElement *ended = m_elementStack.back();
+    ended->m_open = false;
     m_elementStack.pop_back();
     if (m_elementEndFunction && m_elementEndFunction(ended) && !m_elementStack.empty())
         DestroyElement(m_elementStack.back()->RemoveLastChildElement());
+}
+
+namespace
+{
+// Input parsed at a time when a document is read while it is parsed: small
+// enough that the tree ahead of the reading stays small, large enough that
+// slicing costs nothing measurable.
+constexpr unsigned long kLazySlice = 16 * 1024;
+} // namespace
+
+bool CXmlDocument::ParseMore()
+{
+    if (!m_lazyReader)
+        return false;
+    unsigned long const left = m_bufferLength - m_lazyOffset;
+    unsigned long const piece = left > kLazySlice ? kLazySlice : left;
+    bool end = piece == left;
+    try
+    {
+        m_lazyReader->Parse(reinterpret_cast<char const *>(m_buffer) + m_lazyOffset, piece, end);
+    }
+    catch (...)
+    {
+        m_lazyFailure = std::current_exception();
+        end = true;
+    }
+    m_lazyOffset += piece;
+    if (end)
+    {
+        // What is still open after a failure stays as far as it got.
+        m_lazyReader.reset();
+        for (CXmlElement *open : m_elementStack)
+            open->m_open = false;
+    }
+    return true;
+}
+
+void CXmlDocument::ParseToEnd() const
+{
+    auto *self = const_cast<CXmlDocument *>(this);
+    while (self->ParseMore())
+    {
+    }
+}
+
+void CXmlDocument::FinishParse()
+{
+    ParseToEnd();
+    if (!m_bufferOwned)
+        SetBorrowedBuffer(nullptr, 0);
+    if (m_lazyFailure)
+    {
+        std::exception_ptr const failure = m_lazyFailure;
+        m_lazyFailure = nullptr;
+        std::rethrow_exception(failure);
+    }
+}
+
+void CXmlDocument::ElementRead(CXmlElement *element)
+{
+    if (m_undoableReads != 0 || element == nullptr)
+        return;
+    // The reading may have stopped before the end tag; the parse goes there
+    // before the children can go.
+    element->AwaitEnd();
+    if (!element->m_open)
+        element->DropContent();
 }
 
 void CXmlDocument::AddElementAttribute(CXmlElement *element, std::string const &localName,

@@ -10,6 +10,7 @@
 #include "values/BinaryData.h"
 
 #include <cstdint>
+#include <exception>
 #include <map>
 #include <memory>
 #include <string>
@@ -87,12 +88,22 @@ public:
 
     CXmlDocument *GetDocument() const { return m_document; }
     CXmlElement *GetParentElm() const { return m_parent; }
-    CXmlElement *GetNextSiblingElement() const { return m_nextSibling; }
-    CXmlElement *GetFirstElement() const { return m_firstChild; }
+    // In a document read while it is parsed, these three parse on as far as
+    // they need to: what they give is what the whole parse would have given.
+    CXmlElement *GetNextSiblingElement() const
+    {
+        return m_nextSibling || m_parent == nullptr || !m_parent->m_open ? m_nextSibling : AwaitNextSibling();
+    }
+    CXmlElement *GetFirstElement() const { return m_firstChild || !m_open ? m_firstChild : AwaitFirstChild(); }
     std::string const &GetLocalName() const { return *m_localName; }
     std::string const &GetNamespaceURI() const { return *m_namespaceUri; }
     // All character data directly inside this element, run together.
-    std::string const &GetText() const { return m_text; }
+    std::string const &GetText() const
+    {
+        if (m_open)
+            AwaitEnd();
+        return m_text ? *m_text : NoText();
+    }
     std::vector<CXmlAttribute *> const &GetAttributes() const;
     // The value of the first attribute with exactly this name and namespace,
     // or an empty string.
@@ -115,6 +126,16 @@ protected:
 private:
     std::string GetQName() const;
     std::string GetNameWithPredicate() const;
+    // Parse on until the next sibling, the first child or the end tag is
+    // there, or the parent or this element has ended.
+    CXmlElement *AwaitNextSibling() const;
+    CXmlElement *AwaitFirstChild() const;
+    void AwaitEnd() const;
+    // Deletes the children and the attributes and frees the text: all that a
+    // read has taken from an element, while its name and place in the tree
+    // stay for the paths of later messages.
+    void DropContent();
+    static std::string const &NoText();
     // Adds an attribute with interned names and an empty value, and returns it.
     CXmlAttribute *AddAttribute(std::string const *localName, std::string const *namespaceUri,
                                 std::size_t expectedCount);
@@ -126,9 +147,15 @@ private:
     CXmlElement *m_lastChild;
     // Most elements carry no attributes: the vector exists only when needed.
     std::unique_ptr<std::vector<CXmlAttribute *>> m_attributes;
-    std::string m_text;
+    // Made in the document's pool with the first character data, so that an
+    // element without text, or one whose content a read has dropped, keeps
+    // only a pointer.
+    std::string *m_text = nullptr;
     std::string const *m_localName;
     std::string const *m_namespaceUri;
+    // Its end tag is still to come: only while a document is read as it is
+    // parsed.
+    bool m_open = false;
 };
 
 class CXmlDocument : public CInstanceMonitor
@@ -187,6 +214,35 @@ protected:
 private:
     friend class CXmlElement;
     friend class CXmlAttribute;
+    friend class CXmlObjectBase;
+
+    // Reading while parsing, for the read frames, which own their document.
+    // Before a load: the text is then parsed only as far as the reading asks
+    // (in slices), and the content of every element that a read has taken
+    // for good is dropped at once, so that tree and objects are never whole
+    // at the same time. The frame calls FinishParse after the read, also when
+    // the read fails: a parse failure raises what the whole parse would have
+    // raised before any reading, and takes precedence over the read's own.
+    void ReadWhileParsing() { m_readWhileParsing = true; }
+    void FinishParse();
+    // Parses the next slice; false when there is nothing left to parse.
+    bool ParseMore();
+    void ParseToEnd() const;
+    bool DropsReadContent() const { return m_readWhileParsing; }
+    // Reads whose result a caller may still undo (inline groups) are counted:
+    // inside them nothing is dropped, as the elements may be read again.
+    void BeginUndoableRead() { ++m_undoableReads; }
+    void EndUndoableRead() { --m_undoableReads; }
+    // The elements under a read as elements of their own, innermost last.
+    bool IsChildOfRead(CXmlElement const *element) const
+    {
+        return !m_ownReads.empty() && element->GetParentElm() == m_ownReads.back();
+    }
+    void BeginOwnRead(CXmlElement *element) { m_ownReads.push_back(element); }
+    void EndOwnRead() { m_ownReads.pop_back(); }
+    // After `element` was read as an element of its own: drops its content
+    // unless an undoable read is open.
+    void ElementRead(CXmlElement *element);
 
     // The one shared copy of a name in this document; it lives as long as the
     // document. Nodes hold names this way, since documents repeat few of them.
@@ -250,6 +306,8 @@ private:
     CXmlAttribute *NewAttribute(CXmlElement const *element, std::string const *localName,
                                 std::string const *namespaceUri);
     void DestroyAttribute(CXmlAttribute *attribute);
+    std::string *NewText();
+    void DestroyText(std::string *text);
     // The chunked file load: where the next chunk comes from, the file, and
     // the size of the chunk read last.
     std::uint64_t m_fileOffset;
@@ -257,6 +315,13 @@ private:
     unsigned long m_chunkBytes;
     // Decompressed input: the buffer then points into it.
     CBinaryData m_inflated;
+    // The state of reading while parsing.
+    bool m_readWhileParsing = false;
+    int m_undoableReads = 0;
+    std::vector<CXmlElement *> m_ownReads;
+    std::unique_ptr<CExpatReader> m_lazyReader;
+    unsigned long m_lazyOffset = 0;
+    std::exception_ptr m_lazyFailure;
 };
 
 } // namespace MxXmlLib

@@ -170,7 +170,8 @@ void CAttributeInfoPrimitive::AttributeToXml(CSerializationContext const &contex
     std::string const text = value.ToString(m_format.c_str());
     if (IsSuppressedDefault(context, text))
         return;
-    CheckRestriction(value);
+    CheckPrimitiveFacets(m_attributeName.c_str(), value, m_itemType, m_restrictions,
+                         context.GetReuseCompiledPatterns() ? &m_compiledPattern : nullptr);
     writer->WriteAttribute(m_attributeName, m_attributeNamespace, text, value.GetTypeAsEnum());
 }
 

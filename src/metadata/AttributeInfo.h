@@ -102,6 +102,8 @@ public:
 
 private:
     CPrimitiveRestrictions m_restrictions;
+    // Kept only for contexts that reuse compiled patterns.
+    CCompiledPatternSlot m_compiledPattern;
     ItemType m_itemType;
     std::string m_format;
     CWhitespaceUtils::WhitespaceRule m_whitespaceRule;

@@ -202,21 +202,26 @@ bool CElementInfo::ElementToXmlCol(CSerializationContext const &context, CXmlGen
     return true;
 }
 
-bool CElementInfo::WriteSimple(CXmlWriter *writer, MxVariant const &value, std::string const &text, ItemType type,
-                               bool checkFacets) const
+bool CElementInfo::WriteSimple(CSerializationContext const &context, CXmlWriter *writer, MxVariant const &value,
+                               std::string const &text, ItemType type, bool checkFacets) const
 {
     // A default value is written unchecked and marked, so that the writer may
     // leave it to the reader's default.
     bool const isDefault = !m_defaultValue.empty() && text == m_defaultValue;
     if (!isDefault && checkFacets)
-        CheckRestriction(value);
+    {
+        if (!m_isPrimitive)
+            throw CMxException("Cannot CheckRestriction for type: " + value.GetType());
+        CheckPrimitiveFacets(m_elementName.c_str(), value, m_itemType, m_restrictions,
+                             context.GetReuseCompiledPatterns() ? &m_compiledPattern : nullptr);
+    }
     writer->StartElement(m_elementName, m_elementNamespace);
     writer->WriteText(text, type, isDefault);
     writer->EndElement();
     return true;
 }
 
-bool CElementInfo::ElementToXmlPrim(CSerializationContext const &, CXmlGeneratedClass const *object,
+bool CElementInfo::ElementToXmlPrim(CSerializationContext const &context, CXmlGeneratedClass const *object,
                                     CXmlWriter *writer) const
 {
     MxVariant value;
@@ -230,10 +235,10 @@ bool CElementInfo::ElementToXmlPrim(CSerializationContext const &, CXmlGenerated
     }
     if (value.GetTypeAsEnum() == ItemType_None)
         return false;
-    return WriteSimple(writer, value, value.ToString(m_format.c_str()), value.GetTypeAsEnum(), true);
+    return WriteSimple(context, writer, value, value.ToString(m_format.c_str()), value.GetTypeAsEnum(), true);
 }
 
-bool CElementInfo::ElementToXmlEnum(CSerializationContext const &, CXmlGeneratedClass const *object,
+bool CElementInfo::ElementToXmlEnum(CSerializationContext const &context, CXmlGeneratedClass const *object,
                                     CXmlWriter *writer, EnumToString enumToString) const
 {
     MxVariant value;
@@ -248,7 +253,7 @@ bool CElementInfo::ElementToXmlEnum(CSerializationContext const &, CXmlGenerated
     if (value.GetTypeAsEnum() == ItemType_None)
         return false;
     char const *name = enumToString ? enumToString(value.GetI4()) : nullptr;
-    return WriteSimple(writer, value, Text(name), ItemType_string, false);
+    return WriteSimple(context, writer, value, Text(name), ItemType_string, false);
 }
 
 // ---------------------------------------------------------------------------

@@ -32,6 +32,7 @@
 #include "binding/SerializationContext.h"
 #include "values/PrimitiveRestrictions.h"
 #include "values/Variant.h"
+#include "values/XsdPattern.h"
 
 #include <string>
 
@@ -47,6 +48,7 @@ namespace MxXmlLibData
 {
 
 using MxXmlLib::CPrimitiveRestrictions;
+using MxXmlLib::CCompiledPatternSlot;
 using MxXmlLib::CSerializationContext;
 using MxXmlLib::CWhitespaceUtils;
 using MxXmlLib::CXmlElement;
@@ -195,6 +197,8 @@ protected:
     std::string m_elementNamespace;
     int m_propertyIndex;
     CPrimitiveRestrictions m_restrictions;
+    // Kept only for contexts that reuse compiled patterns.
+    CCompiledPatternSlot m_compiledPattern;
     ItemType m_itemType;
     std::string m_format;
     CWhitespaceUtils::WhitespaceRule m_whitespaceRule;
@@ -209,7 +213,7 @@ private:
     // default for an empty one; null when the element is nil (the property is
     // then left alone). It points into the tree or this row: no copy.
     std::string const *ReadSimpleText(CSerializationContext const &context, CXmlElement const &element) const;
-    bool WriteSimple(CXmlWriter *writer, MxVariant const &value, std::string const &text, ItemType type,
+    bool WriteSimple(CSerializationContext const &context, CXmlWriter *writer, MxVariant const &value, std::string const &text, ItemType type,
                      bool checkFacets) const;
 };
 

@@ -188,19 +188,23 @@ void CheckBinary(char const *name, CBinaryData const &value, CPrimitiveRestricti
                  [&] { ThrowText(name, asHex ? value.GetAsHexString() : value.GetAsBase64()); });
 }
 
-void CheckString(char const *name, std::string const &value, CPrimitiveRestrictions const &facets)
+void CheckString(char const *name, std::string const &value, CPrimitiveRestrictions const &facets,
+                 CCompiledPatternSlot const *compiled)
 {
     auto fail = [&] { ThrowText(name, value); };
     CheckLengths(facets, value.size(), fail);
     if (facets.pattern.empty())
         return;
-    std::string converted;
-    std::string_view const utf8 = LocalToUtf8View(facets.pattern, converted);
-    std::string const pattern(utf8);
     bool matches;
     try
     {
-        matches = MatchesXsdPattern(pattern, value);
+        if (compiled)
+            matches = compiled->Get(facets.pattern).Matches(value);
+        else
+        {
+            std::string converted;
+            matches = MatchesXsdPattern(std::string(LocalToUtf8View(facets.pattern, converted)), value);
+        }
     }
     catch (CMxException const &e)
     {
@@ -260,6 +264,12 @@ void CheckInteger(char const *name, CBigInteger const &value, CPrimitiveRestrict
 void CheckPrimitiveFacets(char const *name, MxVariant const &value, ItemType type,
                           CPrimitiveRestrictions const &facets)
 {
+    CheckPrimitiveFacets(name, value, type, facets, nullptr);
+}
+
+void CheckPrimitiveFacets(char const *name, MxVariant const &value, ItemType type,
+                          CPrimitiveRestrictions const &facets, CCompiledPatternSlot const *pattern)
+{
     using C = CConversions;
     switch (type)
     {
@@ -309,7 +319,7 @@ void CheckPrimitiveFacets(char const *name, MxVariant const &value, ItemType typ
     case ItemType_time:
         return CheckDate(name, value, facets, C::timeFromString);
     case ItemType_string:
-        return CheckString(name, value.GetStringRef(), facets);
+        return CheckString(name, value.GetStringRef(), facets, pattern);
     case ItemType_boolean:
         return;
     case ItemType_decimal:

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "values/PrimitiveRestrictions.h"
+#include "values/XsdPattern.h"
 #include "values/Variant.h"
 
 namespace MxXmlLib
@@ -16,5 +17,9 @@ namespace MxXmlLib
 // CMxInvalidValueException "Unknown type [<name>].".
 void CheckPrimitiveFacets(char const *name, MxVariant const &value, ItemType type,
                           CPrimitiveRestrictions const &facets);
+// The same, with the pattern taken compiled from `pattern` when it is not
+// null (see CSerializationContext::SetReuseCompiledPatterns).
+void CheckPrimitiveFacets(char const *name, MxVariant const &value, ItemType type,
+                          CPrimitiveRestrictions const &facets, CCompiledPatternSlot const *pattern);
 
 } // namespace MxXmlLib

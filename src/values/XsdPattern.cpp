@@ -93,6 +93,20 @@ CXsdPattern::~CXsdPattern()
     std::free(m_compiled);
 }
 
+CXsdPattern const &CCompiledPatternSlot::Get(std::string const &localPattern) const
+{
+    std::shared_ptr<CXsdPattern const> compiled = std::atomic_load(&m_compiled);
+    if (compiled)
+        return *compiled;
+    std::string converted;
+    auto made = std::make_shared<CXsdPattern const>(std::string(LocalToUtf8View(localPattern, converted)));
+    // A thread that lost the race uses the winner's, so that what a caller
+    // holds is never replaced under it.
+    if (std::atomic_compare_exchange_strong(&m_compiled, &compiled, made))
+        return *made;
+    return *compiled;
+}
+
 bool CXsdPattern::Matches(std::string const &value) const
 {
     if (m_compiled == nullptr)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -31,6 +32,18 @@ private:
     void *m_compiled; // the PCRE form; null when it did not compile
     std::string m_error;
     int m_captures;
+};
+
+// The compiled form of one facet's pattern (local text), made on first use and
+// kept from then on, for the callers that opt in to reusing compiled
+// patterns. Threads may share one: the first compiled form stored stays.
+class CCompiledPatternSlot
+{
+public:
+    CXsdPattern const &Get(std::string const &localPattern) const;
+
+private:
+    mutable std::shared_ptr<CXsdPattern const> m_compiled;
 };
 
 // Local text as UTF-8, up to its first zero byte, as LocalToUtf8 gives it:

@@ -23,7 +23,8 @@ TEST(SerializationContext, Defaults)
     EXPECT_FALSE(c.GetIgnoreInvalidCollectionCounts() || c.GetIgnoreMissingChoice() ||
                  c.GetIgnoreMissingMandatoryElements() || c.GetIgnoreUnknownElements() ||
                  c.GetIgnoreUnknownAttributes() || c.GetIgnoreNamespaces() ||
-                 c.GetNoOptionalAttributeDefaultOutput() || c.GetWriteDefaultElementValues());
+                 c.GetNoOptionalAttributeDefaultOutput() || c.GetWriteDefaultElementValues() ||
+                 c.GetReuseCompiledPatterns());
     EXPECT_EQ("\t", c.GetIndentChars());
     EXPECT_EQ(SchemaType_Default, c.GetSchemaType());
     EXPECT_EQ("", c.GetDefaultNamespaceURI());
@@ -124,6 +125,7 @@ TEST(SerializationContext, CopyTakesEveryOption)
     source.SetWriteDefaultElementValues(true);
     source.SetStripCDATA(false);
     source.SetIndentChars("  ");
+    source.SetReuseCompiledPatterns(true);
 
     CSerializationContext target;
     target.SetIgnoreMissingMandatoryElements(true);
@@ -146,6 +148,7 @@ TEST(SerializationContext, CopyTakesEveryOption)
         EXPECT_EQ(SchemaType_NoNamespaces, checked.GetSchemaType());
         EXPECT_FALSE(checked.GetStripCDATA());
         EXPECT_EQ("  ", checked.GetIndentChars());
+        EXPECT_TRUE(checked.GetReuseCompiledPatterns());
     }
 }
 

@@ -7,7 +7,10 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <iterator>
+#include <string>
 #include <type_traits>
+#include <vector>
 
 using namespace MxXmlLib;
 using namespace MxTestModel;
@@ -292,6 +295,66 @@ TEST_F(ModelTest, BrokenDocumentsFailWithTheirMessage)
         SCOPED_TRACE(c.label);
         EXPECT_EQ(c.expected, ReadAndWrite(c.make, c.input, c.options));
     }
+}
+
+// The read frames parse as far as the reading asks and drop what it has
+// taken; a tree loaded whole and read through FromXmlElement is neither. Both
+// must give the same objects and the same messages, for every document above,
+// also when it spans many parse slices (a long comment after the start tag)
+// and when a parse error follows content that reads, or fails to read, first.
+std::string ReadWholeTreeAndWrite(Maker make, std::string const &input, unsigned options)
+{
+    CSerializationContext const context = MakeContext(options);
+    CSmartPtr<CXmlObjectBase> object(make());
+    try
+    {
+        CXmlDocument document(context);
+        document.LoadXml(input.c_str());
+        object->FromXmlElement(document.GetDocumentElement(), context);
+        return object->ToXml(false, false, LF, context);
+    }
+    catch (CMxException const &e)
+    {
+        return "ERR " + e.GetFullMessage();
+    }
+}
+
+TEST_F(ModelTest, ReadingWhileParsingMatchesReadingTheWholeTree)
+{
+    std::string const padding = "<!--" + std::string(200 * 1000, 'x') + "-->";
+    for (Case const *table : {&kRoundTrips[0], &kFailures[0]})
+    {
+        std::size_t const count = table == kRoundTrips ? std::size(kRoundTrips) : std::size(kFailures);
+        for (std::size_t i = 0; i < count; ++i)
+        {
+            Case const &c = table[i];
+            SCOPED_TRACE(c.label);
+            std::string const input = c.input;
+            std::size_t const startEnd = input.find('>') + 1;
+            std::size_t const rootEnd = input.rfind("</");
+            std::vector<std::string> variants = {input,
+                                                 input.substr(0, startEnd) + padding + input.substr(startEnd)};
+            if (rootEnd != std::string::npos && rootEnd > startEnd)
+            {
+                // Broken at the end, after a long stretch that reads.
+                variants.push_back(input.substr(0, startEnd) + padding + input.substr(startEnd, rootEnd - startEnd) +
+                                   "</wrong>");
+                variants.push_back(input.substr(0, rootEnd) + padding + "<unclosed>" + input.substr(rootEnd));
+            }
+            for (std::string const &variant : variants)
+                EXPECT_EQ(ReadWholeTreeAndWrite(c.make, variant, c.options),
+                          ReadAndWrite(c.make, variant.c_str(), c.options));
+            if (table == kRoundTrips)
+                EXPECT_EQ(c.expected ? c.expected : c.input, ReadAndWrite(c.make, variants[1].c_str(), c.options));
+        }
+    }
+    // A failure in the first of two like-named children is told with its
+    // position, which only the rest of the document shows.
+    std::string const twoLines = "<picks xmlns='urn:m'><line><name>a</name><bad/></line>" + padding +
+                                 "<line><name>b</name></line></picks>";
+    EXPECT_EQ("ERR Failed read all the elements held within the element [line]. The unexpected element [bad] "
+              "remains un processed\nPath: /picks/line[1]",
+              ReadAndWrite(&New<CPicks>, twoLines.c_str(), None));
 }
 
 // The family's shape: each collection row derives from its group's
