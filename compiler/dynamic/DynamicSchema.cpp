@@ -638,7 +638,8 @@ void CDynamicObject::AccessProperty(int index, bool read, MxVariant &value)
     if (type >= 0)
         CheckStoredSchemaValue(&m_set->enumerations, m_set->valueTypes[static_cast<std::size_t>(type)],
                                GetClass().properties[static_cast<std::size_t>(index)].name.c_str(), value);
-    m_cells[static_cast<std::size_t>(index)] = value;
+    // The value is taken, not copied: the caller has no more use for it.
+    m_cells[static_cast<std::size_t>(index)] = std::move(value);
 }
 
 CParentElementInfo *CDynamicObject::GetParentElementInfo()

@@ -100,6 +100,27 @@ MxVariant::MxVariant() : m_isNil(false), m_type(ItemType_None)
 
 MxVariant::MxVariant(MxVariant const &other) : MxVariant() { *this = other; }
 
+MxVariant::MxVariant(MxVariant &&other) noexcept : m_isNil(other.m_isNil), m_type(other.m_type), m_value(other.m_value)
+{
+    other.m_isNil = false;
+    other.m_type = ItemType_None;
+    std::memset(other.m_value.bytes, 0, sizeof(other.m_value.bytes));
+}
+
+MxVariant &MxVariant::operator=(MxVariant &&other) noexcept
+{
+    if (this == &other)
+        return *this;
+    ReleaseValue();
+    m_isNil = other.m_isNil;
+    m_type = other.m_type;
+    m_value = other.m_value;
+    other.m_isNil = false;
+    other.m_type = ItemType_None;
+    std::memset(other.m_value.bytes, 0, sizeof(other.m_value.bytes));
+    return *this;
+}
+
 MxVariant::~MxVariant() { ReleaseValue(); }
 
 MxVariant &MxVariant::operator=(MxVariant const &other)

@@ -68,6 +68,10 @@ public:
     // Clears the target first, so a cell assigned to itself ends up cleared.
     // A type outside 0 to 28 raises CMxException "Unknown Type".
     MxVariant &operator=(MxVariant const &other);
+    // Takes the other cell's value, heap block and all, and leaves that
+    // cell unset: storing a value read from a document needs no copy.
+    MxVariant(MxVariant &&other) noexcept;
+    MxVariant &operator=(MxVariant &&other) noexcept;
     virtual ~MxVariant();
 
     ItemType GetTypeAsEnum() const { return m_type; }

@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <functional>
+#include <vector>
 
 using namespace MxXmlLib;
 using Rule = CWhitespaceUtils::WhitespaceRule;
@@ -177,6 +178,42 @@ TEST(Variant, DefaultCell)
     EXPECT_FALSE(v.IsValid());
     EXPECT_EQ(ItemType_None, v.GetTypeAsEnum());
     EXPECT_EQ(0, v.GetI8());
+}
+
+// A move hands the value over (heap blocks and counted objects included)
+// and leaves the source an unset cell; the target's old value is released.
+TEST(Variant, MoveTakesTheValueAndLeavesTheSourceUnset)
+{
+    int deaths = 0;
+    std::vector<std::function<void(MxVariant &)>> const setters = {
+        [](MxVariant &v) { v.SetI4(7); },
+        [](MxVariant &v) { v.SetString(std::string(100, 's')); },
+        [](MxVariant &v) { v.SetDecimal(CDecimal("1.25")); },
+        [&deaths](MxVariant &v) { v.SetXmlObject(new CCounted(&deaths)); },
+        [](MxVariant &v) {
+            v.SetString("nil");
+            v.SetNil();
+        },
+    };
+    for (std::size_t i = 0; i < setters.size(); ++i)
+    {
+        SCOPED_TRACE(i);
+        MxVariant source, expected;
+        setters[i](source);
+        expected = source;
+        MxVariant constructed(std::move(source));
+        EXPECT_EQ(ItemType_None, source.GetTypeAsEnum());
+        EXPECT_FALSE(source.IsNil());
+        MxVariant assigned;
+        assigned.SetString("old");
+        assigned = std::move(constructed);
+        EXPECT_EQ(ItemType_None, constructed.GetTypeAsEnum());
+        EXPECT_EQ(expected.GetTypeAsEnum(), assigned.GetTypeAsEnum());
+        EXPECT_EQ(expected.IsNil(), assigned.IsNil());
+        if (!expected.IsNil() && expected.GetTypeAsEnum() != ItemType_XmlObject)
+            EXPECT_EQ(expected.ToString(), assigned.ToString());
+    }
+    EXPECT_EQ(1, deaths);
 }
 
 TEST(Variant, NilKeepsTheType)
