@@ -4,6 +4,7 @@
 #include "document/XmlDocument.h"
 #include "metadata/ElementInfo.h"
 #include "document/XmlWriter.h"
+#include "fastinfoset/FastInfosetWriter.h"
 #include "json/JsonContext.h"
 #include "runtime/Compression.h"
 #include "runtime/FormatString.h"
@@ -278,10 +279,16 @@ void DeclareSchemaValuePrefixes(CXmlWriter *writer, SchemaValuePrefixes const &p
             continue;
         undeclared.push_back(binding);
     }
+    // A Fast Infoset writer asked to read back as XML takes the mappings of
+    // the root whose start it holds into the root's namespace block, where
+    // an attribute could not mark them as declarations.
+    auto const *fastInfoset = dynamic_cast<CFastInfosetWriter const *>(writer);
+    bool const rootBlock = fastInfoset != nullptr && fastInfoset->TakesRootNamespaces();
     for (auto const &[prefix, uri] : undeclared)
     {
         writer->AddNamespace(prefix, uri);
-        writer->WriteAttribute("xmlns:" + prefix, std::string(), uri, ItemType_string);
+        if (!rootBlock)
+            writer->WriteAttribute("xmlns:" + prefix, std::string(), uri, ItemType_string);
     }
 }
 

@@ -9,7 +9,7 @@ char const CFastInfosetContext::kDefaultVocabularyURI[] = "urn:mxxmllib:fastinfo
 
 CFastInfosetContext::CFastInfosetContext()
     : DefaultStringEncoding(0), Encodings(), AttributeMaxAddLength(6), ElementMaxAddLength(6),
-      UseGeneratedVocabulary(false), KeepTextInPlace(false), TypeAttributeInXsi(false)
+      UseGeneratedVocabulary(false), ReadsBackAsXml(false)
 {
 }
 

@@ -59,19 +59,16 @@ public:
     std::string GetExternalVocabularyURI() const { return ExternalVocabularyURI; }
     void SetExternalVocabularyURI(std::string const &uri) { ExternalVocabularyURI = uri; }
 
-    // Off (the default), text that follows a child element is written
-    // before the child's closing terminator, so a reader finds it inside
-    // the child. On, the terminator comes first and mixed content reads
-    // back in place. An extension: with it off every byte is unchanged.
-    bool GetKeepTextInPlace() const { return KeepTextInPlace; }
-    void SetKeepTextInPlace(bool value) { KeepTextInPlace = value; }
-
-    // Off (the default), an xsi:type attribute whose type namespace has a
-    // prefix in scope is named with that prefix, which a reader then binds
-    // to the XSI namespace. On, it is named with a prefix of the XSI
-    // namespace, as in XML text. An extension like the one above.
-    bool GetTypeAttributeInXsi() const { return TypeAttributeInXsi; }
-    void SetTypeAttributeInXsi(bool value) { TypeAttributeInXsi = value; }
+    // Off (the default), the writer keeps to the bytes specified for it,
+    // where three things do not read back as the XML that was written:
+    // text that follows a child element lands inside that child; an
+    // xsi:type attribute borrows the prefix of the type's namespace, which
+    // a reader then binds to the XSI namespace; and a namespace that a
+    // caller maps on the root after its start is not declared. On, the
+    // child's terminator comes before such text, xsi:type is named with a
+    // prefix of the XSI namespace, and the root declares the late mapping.
+    bool GetReadsBackAsXml() const { return ReadsBackAsXml; }
+    void SetReadsBackAsXml(bool value) { ReadsBackAsXml = value; }
 
     // Names the vocabulary of this library's generated code.
     static char const kDefaultVocabularyURI[];
@@ -82,8 +79,7 @@ private:
     std::uint32_t AttributeMaxAddLength;
     std::uint32_t ElementMaxAddLength;
     bool UseGeneratedVocabulary;
-    bool KeepTextInPlace;
-    bool TypeAttributeInXsi;
+    bool ReadsBackAsXml;
     CFIVocabulary Vocabulary;
     std::string ExternalVocabularyURI;
 };

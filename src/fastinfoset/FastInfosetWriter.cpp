@@ -149,6 +149,23 @@ void CFastInfosetWriter::CloseStartTag()
         Put(kTerminator); // ends the attribute list
 }
 
+void CFastInfosetWriter::AddNamespace(std::string const &prefix, std::string const &uri)
+{
+    // The root's start waits for its first attribute or child; until then
+    // its namespace block can still take a mapping.
+    if (TakesRootNamespaces())
+    {
+        PendingElement->AddNamespace(prefix, uri);
+        return;
+    }
+    CXmlWriter::AddNamespace(prefix, uri);
+}
+
+bool CFastInfosetWriter::TakesRootNamespaces() const
+{
+    return PendingElement != nullptr && PendingElement->GetParent() == nullptr && Context->GetReadsBackAsXml();
+}
+
 void CFastInfosetWriter::StartElement(std::string const &localName, std::string const &namespaceUri)
 {
     FlushPendingElement(false);
@@ -232,8 +249,8 @@ void CFastInfosetWriter::WriteText(std::string const &value, ItemType type, bool
     if (value.empty())
         return;
     // Text after a child element lands before the child's owed terminator,
-    // inside the child, unless the context keeps text in place.
-    if (TerminatorPending && Context->GetKeepTextInPlace())
+    // inside the child, unless the context asks for what reads back as XML.
+    if (TerminatorPending && Context->GetReadsBackAsXml())
     {
         Put(kTerminator);
         TerminatorPending = false;
@@ -303,7 +320,7 @@ void CFastInfosetWriter::WriteTypeAttribute(std::string const &typeNamespace, st
     if (std::string const *known = current.FindPrefix(typeNamespace))
     {
         prefix = *known;
-        if (Context->GetTypeAttributeInXsi())
+        if (Context->GetReadsBackAsXml())
         {
             std::string const typePrefix = prefix;
             WriteAttribute("type", kXsiNamespace, typePrefix + ":" + typeName, type);

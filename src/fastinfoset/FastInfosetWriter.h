@@ -44,6 +44,11 @@ public:
     void WriteComment(std::string const &text) override;
     void WriteProcessingInstruction(std::string const &text) override;
     void WriteInLineSchema(std::string const &text) override;
+    // With ReadsBackAsXml, a mapping made while the root's start waits is
+    // declared by the root.
+    void AddNamespace(std::string const &prefix, std::string const &uri) override;
+    // Whether AddNamespace now declares a mapping on the root.
+    bool TakesRootNamespaces() const;
     void StartElement(std::string const &localName, std::string const &namespaceUri) override;
     // Writes `value` whether it is a default value or not.
     void WriteText(std::string const &value, ItemType type, bool isDefaultValue) override;

@@ -66,7 +66,7 @@ std::string XmlOfStream(std::string const &bytes, CSerializationContext const &c
 
 // Text and child elements side by side: by default the writer puts such
 // text inside the last child, so these documents round trip only with the
-// context's KeepTextInPlace.
+// context's ReadsBackAsXml.
 bool HasMixedContent(CXmlElement const *element)
 {
     if (element->GetFirstElement() && !element->GetText().empty())
@@ -111,19 +111,19 @@ TEST_F(FastInfosetReader, CorpusReadsBackAsItsXml)
         CXmlDocument document;
         document.LoadXml(xml.c_str());
         bool const hasMixedContent = HasMixedContent(document.GetDocumentElement());
-        for (bool const keepTextInPlace : {false, true})
+        for (bool const readsBackAsXml : {false, true})
         {
-            if (hasMixedContent && !keepTextInPlace)
+            if (hasMixedContent && !readsBackAsXml)
                 continue;
             std::string fi;
             std::string const error =
-                ErrorOf([&] { fi = FiOf(xml, FInfoDecl_None, CompressionNone, keepTextInPlace); });
+                ErrorOf([&] { fi = FiOf(xml, FInfoDecl_None, CompressionNone, readsBackAsXml); });
             if (error == "An element with a default namespace can only be written as XML text")
                 continue;
             ASSERT_EQ("no error", error);
             EXPECT_EQ(XmlOf(xml), XmlOfStream(fi));
             // Without mixed content the option changes no byte.
-            if (!hasMixedContent && keepTextInPlace)
+            if (!hasMixedContent && readsBackAsXml)
                 EXPECT_EQ(FiOf(xml), fi);
             ++compared;
             mixed += hasMixedContent;

@@ -218,12 +218,12 @@ inline std::vector<std::pair<std::string, std::string>> BoundaryDocuments()
 
 // Our Fast Infoset of an XML text, by way of the untyped tree.
 inline std::string FiOf(std::string const &xml, MxXmlLib::FInfoDecl declaration = MxXmlLib::FInfoDecl_None,
-                        MxXmlLib::CompressionType compression = MxXmlLib::CompressionNone, bool keepTextInPlace = false)
+                        MxXmlLib::CompressionType compression = MxXmlLib::CompressionNone, bool readsBackAsXml = false)
 {
     MxXmlLib::CSmartPtr<MxXmlLib::CElement> element(new MxXmlLib::CElement("unread"));
     element->FromXml(xml.c_str());
     MxXmlLib::CSerializationContext context;
-    context.GetFIContext().SetKeepTextInPlace(keepTextInPlace);
+    context.GetFIContext().SetReadsBackAsXml(readsBackAsXml);
     return Bytes(element->ToFastInfosetStream(declaration, context, compression));
 }
 

@@ -8,10 +8,8 @@ using namespace MxXmlLib;
 CBinaryData ConvertBytes(CBinaryData const &input, MxCompiler::CSchemaSet const *schema, ConvertOptions const &options)
 {
     CSerializationContext context;
-    // Fast Infoset that reads back as the same XML: mixed content keeps
-    // its text in place, and xsi:type its meaning.
-    context.GetFIContext().SetKeepTextInPlace(true);
-    context.GetFIContext().SetTypeAttributeInXsi(true);
+    // Fast Infoset that reads back as the same XML.
+    context.GetFIContext().SetReadsBackAsXml(true);
     // Strict JSON by default: any parser accepts it, and it reads back to the same document.
     if (!options.jsonCompat)
         context.GetJsonContext().SetStrict(true);

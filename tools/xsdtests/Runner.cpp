@@ -297,8 +297,7 @@ std::string RunValid(MxCompiler::CSchemaSet const &set, Validator &validator, st
     });
     Try(fi, "fi", [&] {
         CSerializationContext fiContext;
-        fiContext.GetFIContext().SetKeepTextInPlace(true);
-        fiContext.GetFIContext().SetTypeAttributeInXsi(true);
+        fiContext.GetFIContext().SetReadsBackAsXml(true);
         CBinaryData const bytes = object->ToFastInfosetStream(FInfoDecl_None, fiContext);
         CSmartPtr<CXmlObjectBase> back = set.Read(bytes, context);
         if (back->ToXml(true, false, LF, context) == written)
