@@ -33,7 +33,7 @@ void CSchemaValueType::PreparePattern()
     if (variety != Variety::Atomic || enumeration >= 0 || itemType != ItemType_string || facets.pattern.empty())
         return;
     std::string converted;
-    m_pattern = std::make_shared<CXsdPattern const>(std::string(LocalToUtf8View(facets.pattern, converted)));
+    m_pattern = std::make_shared<CXsdPattern const>(std::string(LocalToUtf8View(facets.pattern, converted)), true);
 }
 
 bool CSchemaValueType::HoldsQName() const

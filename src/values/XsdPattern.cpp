@@ -71,7 +71,8 @@ bool MatchesXsdPattern(std::string const &pattern, std::string const &value)
     return CXsdPattern(pattern).Matches(value);
 }
 
-CXsdPattern::CXsdPattern(std::string const &pattern) : m_compiled(nullptr), m_captures(0)
+CXsdPattern::CXsdPattern(std::string const &pattern, bool forManyValues)
+    : m_compiled(nullptr), m_study(nullptr), m_captures(0)
 {
     std::string const regex = "^(" + TranslateXsdPattern(pattern) + ")$";
     char const *error = nullptr;
@@ -85,10 +86,19 @@ CXsdPattern::CXsdPattern(std::string const &pattern) : m_compiled(nullptr), m_ca
     }
     pcre_fullinfo(compiled, nullptr, PCRE_INFO_CAPTURECOUNT, &m_captures);
     m_compiled = compiled;
+    if (forManyValues)
+    {
+        // Without machine code support the study is null or plain, and
+        // matching works as before.
+        char const *studyError = nullptr;
+        m_study = pcre_study(compiled, PCRE_STUDY_JIT_COMPILE, &studyError);
+    }
 }
 
 CXsdPattern::~CXsdPattern()
 {
+    if (m_study != nullptr)
+        pcre_free_study(static_cast<pcre_extra *>(m_study));
     // Compiled patterns come from PCRE's allocator, which is malloc.
     std::free(m_compiled);
 }
@@ -99,7 +109,7 @@ CXsdPattern const &CCompiledPatternSlot::Get(std::string const &localPattern) co
     if (compiled)
         return *compiled;
     std::string converted;
-    auto made = std::make_shared<CXsdPattern const>(std::string(LocalToUtf8View(localPattern, converted)));
+    auto made = std::make_shared<CXsdPattern const>(std::string(LocalToUtf8View(localPattern, converted)), true);
     // A thread that lost the race uses the winner's, so that what a caller
     // holds is never replaced under it.
     if (std::atomic_compare_exchange_strong(&m_compiled, &compiled, made))
@@ -119,8 +129,13 @@ bool CXsdPattern::Matches(std::string const &value) const
     std::string converted;
     std::string_view const subject = LocalToUtf8View(value, converted);
     int const length = static_cast<int>(subject.size());
-    int const rc = pcre_exec(static_cast<pcre const *>(m_compiled), nullptr, subject.data(), length, 0, PCRE_ANCHORED,
-                             offsets, static_cast<int>(slots));
+    // The pattern begins with '^', so it is anchored without PCRE_ANCHORED,
+    // an option that would keep the match off the machine code.
+    int const rc = m_study != nullptr
+                       ? pcre_exec(static_cast<pcre const *>(m_compiled), static_cast<pcre_extra const *>(m_study),
+                                   subject.data(), length, 0, 0, offsets, static_cast<int>(slots))
+                       : pcre_exec(static_cast<pcre const *>(m_compiled), nullptr, subject.data(), length, 0,
+                                   PCRE_ANCHORED, offsets, static_cast<int>(slots));
     return rc >= 1 && offsets[0] == 0 && offsets[1] == length;
 }
 

@@ -21,7 +21,9 @@ bool MatchesXsdPattern(std::string const &pattern, std::string const &value);
 class CXsdPattern
 {
 public:
-    explicit CXsdPattern(std::string const &pattern);
+    // `forManyValues` also has PCRE compile the pattern to machine code,
+    // which costs more once and matches several times faster.
+    explicit CXsdPattern(std::string const &pattern, bool forManyValues = false);
     ~CXsdPattern();
     CXsdPattern(CXsdPattern const &) = delete;
     CXsdPattern &operator=(CXsdPattern const &) = delete;
@@ -30,6 +32,7 @@ public:
 
 private:
     void *m_compiled; // the PCRE form; null when it did not compile
+    void *m_study;    // its machine code form, or null
     std::string m_error;
     int m_captures;
 };

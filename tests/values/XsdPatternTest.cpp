@@ -193,6 +193,10 @@ TEST(XsdPattern, MatchesWholeValues)
     {
         SCOPED_TRACE(std::string("pattern ") + c.pattern + " value " + c.value);
         EXPECT_EQ(c.matches, MatchesXsdPattern(c.pattern, c.value));
+        // Compiled once, and compiled to machine code for many values: the
+        // same verdicts.
+        EXPECT_EQ(c.matches, CXsdPattern(c.pattern).Matches(c.value));
+        EXPECT_EQ(c.matches, CXsdPattern(c.pattern, true).Matches(c.value));
     }
 }
 
