@@ -280,14 +280,14 @@ void DeclareSchemaValuePrefixes(CXmlWriter *writer, SchemaValuePrefixes const &p
         undeclared.push_back(binding);
     }
     // A Fast Infoset writer asked to read back as XML takes the mappings of
-    // the root whose start it holds into the root's namespace block, where
-    // an attribute could not mark them as declarations.
+    // the element whose start it holds into that element's namespace block,
+    // where an attribute could not mark them as declarations.
     auto const *fastInfoset = dynamic_cast<CFastInfosetWriter const *>(writer);
-    bool const rootBlock = fastInfoset != nullptr && fastInfoset->TakesRootNamespaces();
+    bool const namespaceBlock = fastInfoset != nullptr && fastInfoset->TakesNamespaces();
     for (auto const &[prefix, uri] : undeclared)
     {
         writer->AddNamespace(prefix, uri);
-        if (!rootBlock)
+        if (!namespaceBlock)
             writer->WriteAttribute("xmlns:" + prefix, std::string(), uri, ItemType_string);
     }
 }

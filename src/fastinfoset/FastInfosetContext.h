@@ -60,13 +60,16 @@ public:
     void SetExternalVocabularyURI(std::string const &uri) { ExternalVocabularyURI = uri; }
 
     // Off (the default), the writer keeps to the bytes specified for it,
-    // where three things do not read back as the XML that was written:
+    // where some documents do not read back as the XML that was written:
     // text that follows a child element lands inside that child; an
     // xsi:type attribute borrows the prefix of the type's namespace, which
-    // a reader then binds to the XSI namespace; and a namespace that a
-    // caller maps on the root after its start is not declared. On, the
+    // a reader then binds to the XSI namespace, or is named after the type
+    // when that namespace has no prefix in force; and a namespace that a
+    // caller maps on an element after its start is not declared. On, the
     // child's terminator comes before such text, xsi:type is named with a
-    // prefix of the XSI namespace, and the root declares the late mapping.
+    // prefix of the XSI namespace, and an element declares in its namespace
+    // block what is mapped on it (a type's namespace included) before its
+    // first attribute or child is written.
     bool GetReadsBackAsXml() const { return ReadsBackAsXml; }
     void SetReadsBackAsXml(bool value) { ReadsBackAsXml = value; }
 

@@ -151,19 +151,21 @@ void CFastInfosetWriter::CloseStartTag()
 
 void CFastInfosetWriter::AddNamespace(std::string const &prefix, std::string const &uri)
 {
-    // The root's start waits for its first attribute or child; until then
+    // An element's start waits for its first attribute or child; until then
     // its namespace block can still take a mapping.
-    if (TakesRootNamespaces())
+    if (TakesNamespaces())
     {
         PendingElement->AddNamespace(prefix, uri);
+        if (PendingElement->GetParent() != nullptr)
+            LateMappings.emplace_back(uri, prefix);
         return;
     }
     CXmlWriter::AddNamespace(prefix, uri);
 }
 
-bool CFastInfosetWriter::TakesRootNamespaces() const
+bool CFastInfosetWriter::TakesNamespaces() const
 {
-    return PendingElement != nullptr && PendingElement->GetParent() == nullptr && Context->GetReadsBackAsXml();
+    return PendingElement != nullptr && Context->GetReadsBackAsXml();
 }
 
 void CFastInfosetWriter::StartElement(std::string const &localName, std::string const &namespaceUri)
@@ -224,6 +226,20 @@ void CFastInfosetWriter::FlushPendingElement(bool attributesFollow)
             Put(kTerminator);
         }
     }
+    else if (!LateMappings.empty())
+    {
+        Put(flags | 0x38);
+        flags = 0;
+        for (auto const &entry : LateMappings)
+        {
+            Put(entry.second.empty() ? 0xCD : 0xCF);
+            if (!entry.second.empty())
+                AppendIdentifyingString(entry.second, StringTable::Prefix);
+            AppendIdentifyingString(entry.first, StringTable::Namespace);
+        }
+        Put(kTerminator);
+    }
+    LateMappings.clear();
     std::string prefix;
     std::string const &namespaceUri = element.NamespaceUri;
     if (!namespaceUri.empty() && namespaceUri != element.GetEffectiveDefaultNamespace())
@@ -308,6 +324,12 @@ void CFastInfosetWriter::WriteAttribute(std::string const &localName, std::strin
 void CFastInfosetWriter::WriteTypeAttribute(std::string const &typeNamespace, std::string const &typeName,
                                             ItemType type)
 {
+    // Reading back as XML: a type namespace with no prefix in force is
+    // declared by the element itself, while its start still waits.
+    if (TakesNamespaces() && !typeNamespace.empty() &&
+        typeNamespace != PendingElement->GetEffectiveDefaultNamespace() &&
+        PendingElement->FindPrefix(typeNamespace) == nullptr)
+        AddNamespace(PendingElement->GeneratePrefix(), typeNamespace);
     FlushPendingElement(true);
     CheckAttributesAllowed();
     CXmlWriterContext &current = Current();

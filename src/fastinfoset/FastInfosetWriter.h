@@ -11,6 +11,8 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
+#include <vector>
 #include <string_view>
 
 namespace MxXmlLib
@@ -44,11 +46,11 @@ public:
     void WriteComment(std::string const &text) override;
     void WriteProcessingInstruction(std::string const &text) override;
     void WriteInLineSchema(std::string const &text) override;
-    // With ReadsBackAsXml, a mapping made while the root's start waits is
-    // declared by the root.
+    // With ReadsBackAsXml, a mapping made while an element's start waits
+    // is declared by that element.
     void AddNamespace(std::string const &prefix, std::string const &uri) override;
-    // Whether AddNamespace now declares a mapping on the root.
-    bool TakesRootNamespaces() const;
+    // Whether AddNamespace now declares a mapping on the element about to start.
+    bool TakesNamespaces() const;
     void StartElement(std::string const &localName, std::string const &namespaceUri) override;
     // Writes `value` whether it is a default value or not.
     void WriteText(std::string const &value, ItemType type, bool isDefaultValue) override;
@@ -108,6 +110,9 @@ private:
     CBinaryStream *Stream;
     CFastInfosetContext const *Context;
     CXmlWriterContext *PendingElement;
+    // With ReadsBackAsXml: mappings made on an inner element while its start
+    // waits, declared in its namespace block (URI, prefix).
+    std::vector<std::pair<std::string, std::string>> LateMappings;
     bool TerminatorPending;
     CFIVocabulary *Vocabulary;
 

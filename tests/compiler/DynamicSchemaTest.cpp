@@ -231,14 +231,15 @@ TEST_F(DynamicSchemaTest, QNamePrefixesAreDeclaredOnceWhereTheValueIs)
     {
         char const *document;
         char const *xml;
-        // Fast Infoset declares namespaces on the root only, one prefix per
-        // namespace: there, and with ReadsBackAsXml, a root's value travels.
+        // With ReadsBackAsXml, Fast Infoset declares a value's prefixes in
+        // the element's namespace block; the root's block holds one prefix
+        // per namespace.
         bool fastInfoset = false;
     } const cases[] = {
         {"<q xmlns='urn:q' xmlns:p='urn:p'>p:x</q>", "<AA:q xmlns:AA=\"urn:q\" xmlns:p=\"urn:p\">p:x</AA:q>", true},
         {"<r xmlns='urn:q' xmlns:p='urn:p' xmlns:s='urn:s'><a>p:x</a><c><b>s:y</b></c></r>",
          "<AA:r xmlns:AA=\"urn:q\" xmlns:p=\"urn:p\"><AA:a>p:x</AA:a><AA:c xmlns:s=\"urn:s\"><AA:b>s:y</AA:b></AA:c>"
-         "</AA:r>"},
+         "</AA:r>", true},
         {"<l xmlns='urn:q' xmlns:p='urn:p' xmlns:o='urn:p'>p:x o:y p:z</l>",
          "<AA:l xmlns:AA=\"urn:q\" xmlns:p=\"urn:p\" xmlns:o=\"urn:p\">p:x o:y p:z</AA:l>"},
     };
