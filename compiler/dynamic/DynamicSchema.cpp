@@ -12,7 +12,6 @@
 #include <cstring>
 #include <map>
 #include <mutex>
-#include <set>
 #include <type_traits>
 #include <utility>
 
@@ -476,26 +475,6 @@ CSmartPtr<CXmlObjectBase> SetData::MakeSubstitute(AbsSlot const &abs, CXmlElemen
     return Make(chosen, abs.nillable, element->GetLocalName().c_str(), element->GetNamespaceURI());
 }
 
-// The simple type whose facets a value stored in a property must meet, or
-// null: enumeration rows store the number of a value their functions found.
-ValueType const *FacetedValue(ClassDef const &c, int index)
-{
-    Property const &p = c.properties[static_cast<std::size_t>(index)];
-    if (p.holds != Property::Holds::Value)
-        return nullptr;
-    if (p.row >= 0)
-    {
-        ElementRow const &row = c.elements[static_cast<std::size_t>(p.row)];
-        return row.kind == RowKind::Enum ? nullptr : &row.value;
-    }
-    if (p.attribute >= 0)
-    {
-        AttributeRow const &a = c.attributes[static_cast<std::size_t>(p.attribute)];
-        return a.kind == AttributeRow::Kind::Enum ? nullptr : &a.value;
-    }
-    return index == c.simpleContentProperty ? &c.simpleContent : nullptr;
-}
-
 CSchemaValueType RuntimeValueType(ValueType const &v)
 {
     CSchemaValueType t(v.variety == ValueType::Variety::List    ? CSchemaValueType::Variety::List
@@ -588,7 +567,7 @@ std::shared_ptr<SetData> Build(Model model)
         std::vector<int> &types = data->propertyValueTypes[ci];
         for (std::size_t pi = 0; pi < c.properties.size(); ++pi)
         {
-            ValueType const *v = FacetedValue(c, static_cast<int>(pi));
+            ValueType const *v = FacetedValue(c, pi);
             types.push_back(v == nullptr ? -1 : static_cast<int>(data->valueTypes.size()));
             if (v == nullptr)
                 continue;

@@ -271,4 +271,22 @@ std::string Describe(Model const &model)
     return out.str();
 }
 
+ValueType const *FacetedValue(ClassDef const &c, std::size_t index)
+{
+    Property const &p = c.properties[index];
+    if (p.holds != Property::Holds::Value)
+        return nullptr;
+    if (p.row >= 0)
+    {
+        ElementRow const &row = c.elements[static_cast<std::size_t>(p.row)];
+        return row.kind == RowKind::Enum ? nullptr : &row.value;
+    }
+    if (p.attribute >= 0)
+    {
+        AttributeRow const &a = c.attributes[static_cast<std::size_t>(p.attribute)];
+        return a.kind == AttributeRow::Kind::Enum ? nullptr : &a.value;
+    }
+    return static_cast<int>(index) == c.simpleContentProperty ? &c.simpleContent : nullptr;
+}
+
 } // namespace MxCompiler

@@ -181,6 +181,11 @@ struct ClassDef
     std::string origin;
 };
 
+// The simple type whose facets a value stored in property `index` must
+// meet, or null: enumeration rows store the number of a value their
+// functions found. Both back ends ask it of the same model.
+ValueType const *FacetedValue(ClassDef const &c, std::size_t index);
+
 // A global element declaration: what a document may start with.
 struct RootElement
 {

@@ -184,6 +184,15 @@ void CFastInfosetWriter::StartElement(std::string const &localName, std::string 
     PendingElement = CreateContext(localName, namespaceUri);
 }
 
+void CFastInfosetWriter::AppendNamespaceAttribute(std::string const &prefix, std::string const &uri)
+{
+    // A mapping without a prefix can only travel as a default.
+    Put(prefix.empty() ? 0xCD : 0xCF);
+    if (!prefix.empty())
+        AppendIdentifyingString(prefix, StringTable::Prefix);
+    AppendIdentifyingString(uri, StringTable::Namespace);
+}
+
 void CFastInfosetWriter::FlushPendingElement(bool attributesFollow)
 {
     if (PendingElement == nullptr)
@@ -217,11 +226,7 @@ void CFastInfosetWriter::FlushPendingElement(bool attributesFollow)
             {
                 if (entry.first.compare(0, kXmlNamespaceLength, kXmlNamespace) == 0)
                     continue;
-                // A mapping without a prefix can only travel as a default.
-                Put(entry.second.empty() ? 0xCD : 0xCF);
-                if (!entry.second.empty())
-                    AppendIdentifyingString(entry.second, StringTable::Prefix);
-                AppendIdentifyingString(entry.first, StringTable::Namespace);
+                AppendNamespaceAttribute(entry.second, entry.first);
             }
             Put(kTerminator);
         }
@@ -231,12 +236,7 @@ void CFastInfosetWriter::FlushPendingElement(bool attributesFollow)
         Put(flags | 0x38);
         flags = 0;
         for (auto const &entry : LateMappings)
-        {
-            Put(entry.second.empty() ? 0xCD : 0xCF);
-            if (!entry.second.empty())
-                AppendIdentifyingString(entry.second, StringTable::Prefix);
-            AppendIdentifyingString(entry.first, StringTable::Namespace);
-        }
+            AppendNamespaceAttribute(entry.second, entry.first);
         Put(kTerminator);
     }
     LateMappings.clear();

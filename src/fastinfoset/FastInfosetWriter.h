@@ -69,6 +69,8 @@ private:
     };
 
     void FlushPendingElement(bool attributesFollow);
+    // One item of an element's namespace block.
+    void AppendNamespaceAttribute(std::string const &prefix, std::string const &uri);
     // The open element, raising CMxInvalidStateException when there is none.
     CXmlWriterContext &Current();
     // Closes the attribute list of the current element at its first content.
