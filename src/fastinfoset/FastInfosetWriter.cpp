@@ -156,8 +156,7 @@ void CFastInfosetWriter::AddNamespace(std::string const &prefix, std::string con
     if (TakesNamespaces())
     {
         PendingElement->AddNamespace(prefix, uri);
-        if (PendingElement->GetParent() != nullptr)
-            LateMappings.emplace_back(uri, prefix);
+        LateMappings.emplace_back(uri, prefix);
         return;
     }
     CXmlWriter::AddNamespace(prefix, uri);
@@ -227,6 +226,13 @@ void CFastInfosetWriter::FlushPendingElement(bool attributesFollow)
                 if (entry.first.compare(0, kXmlNamespaceLength, kXmlNamespace) == 0)
                     continue;
                 AppendNamespaceAttribute(entry.second, entry.first);
+            }
+            // The map keeps one prefix per namespace; values may use several.
+            for (auto const &entry : LateMappings)
+            {
+                auto const mapped = map.find(entry.first);
+                if (!entry.second.empty() && (mapped == map.end() || mapped->second != entry.second))
+                    AppendNamespaceAttribute(entry.second, entry.first);
             }
             Put(kTerminator);
         }
