@@ -197,6 +197,28 @@ void CFastInfosetWriter::FlushPendingElement(bool attributesFollow)
     if (PendingElement == nullptr)
         return;
     CXmlWriterContext &element = *PendingElement;
+    std::string prefix;
+    std::string const &namespaceUri = element.NamespaceUri;
+    bool generated = false;
+    if (!namespaceUri.empty() && namespaceUri != element.GetEffectiveDefaultNamespace())
+    {
+        if (std::string const *known = element.FindPrefix(namespaceUri))
+            prefix = *known;
+        else
+        {
+            prefix = element.GeneratePrefix();
+            generated = true;
+        }
+    }
+    // By default a prefix made for the element's own name travels in the
+    // literal name only; read back as XML it must be declared, since values
+    // such as an xsi:type below may use it.
+    bool const declareGenerated = generated && Context->GetReadsBackAsXml();
+    if (declareGenerated)
+    {
+        element.AddNamespace(prefix, namespaceUri);
+        LateMappings.emplace_back(namespaceUri, prefix);
+    }
     unsigned char flags = 0;
     if (attributesFollow)
     {
@@ -246,19 +268,8 @@ void CFastInfosetWriter::FlushPendingElement(bool attributesFollow)
         Put(kTerminator);
     }
     LateMappings.clear();
-    std::string prefix;
-    std::string const &namespaceUri = element.NamespaceUri;
-    if (!namespaceUri.empty() && namespaceUri != element.GetEffectiveDefaultNamespace())
-    {
-        if (std::string const *known = element.FindPrefix(namespaceUri))
-            prefix = *known;
-        else
-        {
-            // Travels in the literal name only: no namespace attribute.
-            prefix = element.GeneratePrefix();
-            element.AddNamespace(prefix, namespaceUri);
-        }
-    }
+    if (generated && !declareGenerated)
+        element.AddNamespace(prefix, namespaceUri);
     AppendElementQName(flags, prefix, namespaceUri, element.LocalName);
     SetCurrentContext(PendingElement);
     PendingElement = nullptr;

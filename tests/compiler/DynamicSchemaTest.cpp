@@ -270,29 +270,50 @@ TEST_F(DynamicSchemaTest, QNamePrefixesAreDeclaredOnceWhereTheValueIs)
 }
 
 // With ReadsBackAsXml, xsi:type travels in Fast Infoset under a prefix
-// of the XSI namespace (as in XML text) and the derived type reads back.
+// of the XSI namespace (as in XML text) and the derived type reads back,
+// also where the type's prefix is one the writer made for the root's name.
 TEST_F(DynamicSchemaTest, XsiTypeReadsBackFromFastInfosetWithReadsBackAsXml)
 {
-    std::string const schema = WriteTemp(
-        "xsi-type.xsd", "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' targetNamespace='urn:c' xmlns:c='urn:c' "
-                        "elementFormDefault='qualified'><xs:complexType name='Base'><xs:sequence><xs:element name='a' "
-                        "type='xs:int'/></xs:sequence></xs:complexType><xs:complexType name='Ext'><xs:complexContent>"
-                        "<xs:extension base='c:Base'><xs:sequence><xs:element name='b' type='xs:string'/></xs:sequence>"
-                        "</xs:extension></xs:complexContent></xs:complexType><xs:element name='r'><xs:complexType>"
-                        "<xs:sequence><xs:choice><xs:element name='v' type='c:Base'/><xs:element name='w' "
-                        "type='xs:int'/></xs:choice><xs:element name='z' type='xs:int'/></xs:sequence>"
-                        "</xs:complexType></xs:element></xs:schema>");
-    CSchemaSet const set = CSchemaSet::Load({schema});
-    CSerializationContext const &context = CSerializationContext::GetDefaultContext();
-    CSmartPtr<CXmlObjectBase> object =
-        set.Read(Bytes("<r xmlns='urn:c' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'><v xsi:type='Ext'>"
-                       "<a>1</a><b>y</b></v><z>2</z></r>"),
-                 context);
-    std::string const xml = object->ToXml(false, false, LF, context);
-    CSerializationContext fi;
-    fi.GetFIContext().SetReadsBackAsXml(true);
-    EXPECT_EQ(xml,
-              set.Read(object->ToFastInfosetStream(FInfoDecl_None, fi), context)->ToXml(false, false, LF, context));
+    struct
+    {
+        char const *form;
+        char const *document;
+    } const cases[] = {
+        {"qualified", "<r xmlns='urn:c' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'><v xsi:type='Ext'>"
+                      "<a>1</a><b>y</b></v><z>2</z></r>"},
+        {"unqualified", "<c:r xmlns:c='urn:c' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'><v "
+                        "xsi:type='c:Ext'><a>1</a><b>y</b></v><z>2</z></c:r>"},
+    };
+    for (auto const &c : cases)
+    {
+        SCOPED_TRACE(c.form);
+        std::string const schema = WriteTemp(
+            std::string("xsi-type-") + c.form + ".xsd",
+            std::string("<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' targetNamespace='urn:c' "
+                        "xmlns:c='urn:c' elementFormDefault='") +
+                c.form +
+                "'><xs:complexType name='Base'><xs:sequence><xs:element name='a' type='xs:int'/></xs:sequence>"
+                "</xs:complexType><xs:complexType name='Ext'><xs:complexContent><xs:extension base='c:Base'>"
+                "<xs:sequence><xs:element name='b' type='xs:string'/></xs:sequence></xs:extension>"
+                "</xs:complexContent></xs:complexType><xs:element name='r'><xs:complexType><xs:sequence>"
+                "<xs:choice><xs:element name='v' type='c:Base'/><xs:element name='w' type='xs:int'/></xs:choice>"
+                "<xs:element name='z' type='xs:int'/></xs:sequence></xs:complexType></xs:element></xs:schema>");
+        CSchemaSet const set = CSchemaSet::Load({schema});
+        CSerializationContext const &context = CSerializationContext::GetDefaultContext();
+        try
+        {
+            CSmartPtr<CXmlObjectBase> object = set.Read(Bytes(c.document), context);
+            std::string const xml = object->ToXml(false, false, LF, context);
+            CSerializationContext fi;
+            fi.GetFIContext().SetReadsBackAsXml(true);
+            EXPECT_EQ(xml, set.Read(object->ToFastInfosetStream(FInfoDecl_None, fi), context)
+                               ->ToXml(false, false, LF, context));
+        }
+        catch (CMxException const &e)
+        {
+            ADD_FAILURE() << e.GetFullMessage();
+        }
+    }
 }
 
 } // namespace
