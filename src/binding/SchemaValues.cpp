@@ -254,7 +254,17 @@ void CollectSchemaValuePrefixes(CXmlElement const *element, CSchemaValueType con
     {
         std::size_t const colon = item.find(':');
         if (colon == std::string::npos)
+        {
+            // An unprefixed name is in the default namespace. It is declared
+            // again only where no element child could fall under it.
+            if (element->GetFirstElement() == nullptr)
+            {
+                std::string const uri = element->GetDocument()->LookupNamespaceFromAlias("");
+                if (!uri.empty())
+                    prefixes.emplace_back(std::string(), uri);
+            }
             continue;
+        }
         std::string const prefix = item.substr(0, colon);
         std::string const uri = element->GetDocument()->LookupNamespaceFromAlias(prefix.c_str());
         if (!uri.empty())
@@ -270,9 +280,21 @@ void DeclareSchemaValuePrefixes(CXmlWriter *writer, SchemaValuePrefixes const &p
     // it for another namespace. Every decision is taken before the first
     // declaration changes the scope.
     CXmlWriter::CXmlWriterContext const *scope = writer->GetCurrentContext();
+    auto const *fastInfoset = dynamic_cast<CFastInfosetWriter const *>(writer);
+    bool const namespaceBlock = fastInfoset != nullptr && fastInfoset->TakesNamespaces();
+    CXmlWriter::CXmlWriterContext const *element = namespaceBlock ? fastInfoset->GetPendingElement() : scope;
     SchemaValuePrefixes undeclared;
     for (auto const &binding : prefixes)
     {
+        if (binding.first.empty())
+        {
+            // The element's own name must keep its namespace: one in no
+            // namespace, or written without a prefix, cannot take a default.
+            if (element == nullptr || element->GetEffectiveDefaultNamespace() == binding.second ||
+                element->NamespaceUri.empty() ||
+                (!namespaceBlock && element->NamespaceUri == element->GetEffectiveDefaultNamespace()))
+                continue;
+        }
         std::string const *known = scope ? scope->FindPrefix(binding.second) : nullptr;
         if ((known != nullptr && *known == binding.first) ||
             std::any_of(undeclared.begin(), undeclared.end(), [&](auto const &u) { return u.first == binding.first; }))
@@ -282,13 +304,14 @@ void DeclareSchemaValuePrefixes(CXmlWriter *writer, SchemaValuePrefixes const &p
     // A Fast Infoset writer asked to read back as XML takes the mappings of
     // the element whose start it holds into that element's namespace block,
     // where an attribute could not mark them as declarations.
-    auto const *fastInfoset = dynamic_cast<CFastInfosetWriter const *>(writer);
-    bool const namespaceBlock = fastInfoset != nullptr && fastInfoset->TakesNamespaces();
     for (auto const &[prefix, uri] : undeclared)
     {
-        writer->AddNamespace(prefix, uri);
+        if (prefix.empty())
+            writer->SetDefaultNamespace(uri);
+        else
+            writer->AddNamespace(prefix, uri);
         if (!namespaceBlock)
-            writer->WriteAttribute("xmlns:" + prefix, std::string(), uri, ItemType_string);
+            writer->WriteAttribute(prefix.empty() ? "xmlns" : "xmlns:" + prefix, std::string(), uri, ItemType_string);
     }
 }
 

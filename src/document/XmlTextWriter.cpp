@@ -158,6 +158,7 @@ void CXmlTextWriter::StartElement(std::string const &localName, std::string cons
             Write(prefix);
             Put(':');
             Write(localName);
+            context->NamePrefix = prefix;
             if (isNew)
             {
                 Put(' ');
@@ -281,13 +282,10 @@ void CXmlTextWriter::EndElement()
         if (m_formatted && context.ChildCount > 0)
             WriteIndent(context.Depth);
         Write("</", 2);
-        if (!context.NamespaceUri.empty() && context.NamespaceUri != context.GetEffectiveDefaultNamespace())
+        if (!context.NamePrefix.empty())
         {
-            if (std::string const *prefix = context.FindPrefix(context.NamespaceUri))
-            {
-                Write(*prefix);
-                Put(':');
-            }
+            Write(context.NamePrefix);
+            Put(':');
         }
         Write(context.LocalName);
         Put('>');

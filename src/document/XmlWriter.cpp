@@ -16,6 +16,7 @@ void Context::InitCommon(std::string const &localName, std::string const &namesp
     HasAttributes = 0;
     LocalName = localName;
     NamespaceUri = namespaceUri;
+    NamePrefix.clear();
     m_declared.clear();
 }
 

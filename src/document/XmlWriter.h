@@ -67,6 +67,9 @@ public:
         std::int32_t Depth = 0;
         std::string NamespaceUri;
         std::string LocalName;
+        // The prefix the start tag gave the name, for its end tag: a value's
+        // declarations made in between may map the namespace anew.
+        std::string NamePrefix;
         std::uint32_t ArrayState = 0;
         std::uint32_t HasAttributes = 0;
 

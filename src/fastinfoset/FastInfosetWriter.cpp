@@ -162,6 +162,17 @@ void CFastInfosetWriter::AddNamespace(std::string const &prefix, std::string con
     CXmlWriter::AddNamespace(prefix, uri);
 }
 
+void CFastInfosetWriter::SetDefaultNamespace(std::string const &uri)
+{
+    if (TakesNamespaces())
+    {
+        PendingElement->SetDefaultNamespace(uri);
+        LateMappings.emplace_back(uri, std::string());
+        return;
+    }
+    CXmlWriter::SetDefaultNamespace(uri);
+}
+
 bool CFastInfosetWriter::TakesNamespaces() const
 {
     return PendingElement != nullptr && Context->GetReadsBackAsXml();

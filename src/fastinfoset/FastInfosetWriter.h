@@ -51,6 +51,11 @@ public:
     void AddNamespace(std::string const &prefix, std::string const &uri) override;
     // Whether AddNamespace now declares a mapping on the element about to start.
     bool TakesNamespaces() const;
+    // That element, while its start waits.
+    CXmlWriterContext const *GetPendingElement() const { return PendingElement; }
+    // With ReadsBackAsXml, a default namespace set while an element's start
+    // waits is declared by that element.
+    void SetDefaultNamespace(std::string const &uri) override;
     void StartElement(std::string const &localName, std::string const &namespaceUri) override;
     // Writes `value` whether it is a default value or not.
     void WriteText(std::string const &value, ItemType type, bool isDefaultValue) override;

@@ -239,6 +239,10 @@ TEST_F(DynamicSchemaTest, QNamePrefixesAreDeclaredOnceWhereTheValueIs)
         {"<r xmlns='urn:q' xmlns:p='urn:p' xmlns:s='urn:s'><a>p:x</a><c><b>s:y</b></c></r>",
          "<AA:r xmlns:AA=\"urn:q\" xmlns:p=\"urn:p\"><AA:a>p:x</AA:a><AA:c xmlns:s=\"urn:s\"><AA:b>s:y</AA:b></AA:c>"
          "</AA:r>"},
+        // An unprefixed name is in the default namespace, declared again
+        // on a prefixed element without children.
+        {"<q xmlns='urn:q'>x</q>", "<AA:q xmlns:AA=\"urn:q\" xmlns=\"urn:q\">x</AA:q>"},
+        {"<p:q xmlns:p='urn:q' xmlns='urn:d'>x</p:q>", "<AA:q xmlns:AA=\"urn:q\" xmlns=\"urn:d\">x</AA:q>"},
         {"<l xmlns='urn:q' xmlns:p='urn:p' xmlns:o='urn:p'>p:x o:y p:z</l>",
          "<AA:l xmlns:AA=\"urn:q\" xmlns:p=\"urn:p\" xmlns:o=\"urn:p\">p:x o:y p:z</AA:l>"},
     };

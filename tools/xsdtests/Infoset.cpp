@@ -7,6 +7,8 @@
 #include <xercesc/framework/psvi/PSVIElement.hpp>
 #include <xercesc/framework/psvi/PSVIHandler.hpp>
 #include <xercesc/framework/psvi/XSComplexTypeDefinition.hpp>
+#include <xercesc/framework/psvi/XSModelGroup.hpp>
+#include <xercesc/framework/psvi/XSParticle.hpp>
 #include <xercesc/framework/psvi/XSSimpleTypeDefinition.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/sax2/Attributes.hpp>
@@ -18,7 +20,9 @@
 #include <xercesc/util/XMLUni.hpp>
 #include <xercesc/validators/common/Grammar.hpp>
 
+#include <algorithm>
 #include <stdexcept>
+#include <tuple>
 
 namespace XsdTests
 {
@@ -134,6 +138,43 @@ std::string PrimitiveOf(XSTypeDefinition *type)
     return p ? Utf8(p->getName()) : "simple";
 }
 
+// Whether a simple type's values are QNames, or lists of them.
+bool HoldsQNames(XSTypeDefinition *type)
+{
+    if (type == nullptr || type->getTypeCategory() != XSTypeDefinition::SIMPLE_TYPE)
+        return false;
+    auto *simple = static_cast<XSSimpleTypeDefinition *>(type);
+    if (simple->getVariety() == XSSimpleTypeDefinition::VARIETY_LIST)
+        return HoldsQNames(simple->getItemType());
+    return PrimitiveOf(type) == "QName";
+}
+
+// In-scope prefixes: the namespace each one is bound to, innermost last.
+using PrefixScope = std::map<std::string, std::vector<std::string>>;
+
+// A QName's value is its namespace and local name, not the prefix that
+// the text happens to use: "{uri}local" for each item.
+std::string ResolveQNames(std::string const &text, PrefixScope const &scope)
+{
+    std::string out;
+    std::string const items = Collapse(text);
+    std::size_t start = 0;
+    while (start < items.size())
+    {
+        std::size_t end = items.find(' ', start);
+        if (end == std::string::npos)
+            end = items.size();
+        std::string const item = items.substr(start, end - start);
+        std::size_t const colon = item.find(':');
+        std::string const prefix = colon == std::string::npos ? std::string() : item.substr(0, colon);
+        auto const bound = scope.find(prefix);
+        std::string const uri = bound == scope.end() || bound->second.empty() ? std::string() : bound->second.back();
+        out += (out.empty() ? "{" : " {") + uri + "}" + item.substr(colon == std::string::npos ? 0 : colon + 1);
+        start = end + 1;
+    }
+    return out;
+}
+
 class Collector : public DefaultHandler, public PSVIHandler
 {
 public:
@@ -145,6 +186,7 @@ public:
         auto node = std::make_unique<Node>();
         node->ns = Utf8(uri);
         node->local = Utf8(localname);
+        m_scopes[node.get()] = Scope();
         for (XMLSize_t i = 0; i < attrs.getLength(); ++i)
         {
             std::string const ans = Utf8(attrs.getURI(i));
@@ -173,13 +215,24 @@ public:
             m_pendingAttributes.reset();
             m_attrsDone.back() = true;
         }
-        m_lastClosed = nullptr;
+    }
+
+    void startPrefixMapping(XMLCh const *prefix, XMLCh const *uri) override
+    {
+        m_prefixes[Utf8(prefix)].push_back(Utf8(uri));
+        m_scope.reset();
+    }
+
+    void endPrefixMapping(XMLCh const *prefix) override
+    {
+        auto found = m_prefixes.find(Utf8(prefix));
+        if (found != m_prefixes.end() && !found->second.empty())
+            found->second.pop_back();
+        m_scope.reset();
     }
 
     void endElement(XMLCh const *, XMLCh const *, XMLCh const *) override
     {
-        m_lastClosed = m_stack.back();
-        m_lastClosedHasPsvi = false;
         m_stack.pop_back();
         m_attrsDone.pop_back();
     }
@@ -199,7 +252,11 @@ public:
             std::string const ns = Utf8(list->getAttributeNamespaceAtIndex(i));
             std::string const local = Utf8(list->getAttributeNameAtIndex(i));
             if (a != nullptr && a->getValidity() == PSVIItem::VALIDITY_VALID)
+            {
                 values[{ns, local}] = ValueOf(a, "");
+                if (HoldsQNames(a->getMemberTypeDefinition() ? a->getMemberTypeDefinition() : a->getTypeDefinition()))
+                    values[{ns, local}] = ResolveQNames(values[{ns, local}], *Scope());
+            }
         }
         if (!m_stack.empty() && !m_attrsDone.back())
         {
@@ -212,14 +269,8 @@ public:
 
     void handleElementPSVI(XMLCh const *, XMLCh const *, PSVIElement *info) override
     {
-        Node *node = nullptr;
-        if (m_lastClosed != nullptr && !m_lastClosedHasPsvi)
-        {
-            node = m_lastClosed;
-            m_lastClosedHasPsvi = true;
-        }
-        else if (!m_stack.empty())
-            node = m_stack.back();
+        // Xerces hands an element's infoset before its end tag's event.
+        Node *node = m_stack.empty() ? nullptr : m_stack.back();
         if (node == nullptr || info == nullptr)
             return;
         XSTypeDefinition *type = info->getTypeDefinition();
@@ -245,12 +296,19 @@ public:
             default:
                 break;
             }
+            XSParticle *particle = complex->getParticle();
+            node->unordered = particle != nullptr && particle->getTermType() == XSParticle::TERM_MODELGROUP &&
+                              particle->getModelGroupTerm()->getCompositor() == XSModelGroup::COMPOSITOR_ALL;
         }
         if (simple && !node->nil)
         {
             node->hasValue = true;
             node->value = ValueOf(info, node->text);
             node->primitive = PrimitiveOf(info->getMemberTypeDefinition() ? info->getMemberTypeDefinition() : valueType);
+            XSTypeDefinition *member = info->getMemberTypeDefinition() ? info->getMemberTypeDefinition() : valueType;
+            auto const scope = m_scopes.find(node);
+            if (HoldsQNames(member) && scope != m_scopes.end())
+                node->value = ResolveQNames(node->value, *scope->second);
             if (node->primitive == "hexBinary")
                 node->value = CanonicalHex(node->value);
             else if (node->primitive == "duration")
@@ -269,10 +327,20 @@ public:
         m_stack.clear();
         m_attrsDone.clear();
         m_pendingAttributes.reset();
-        m_lastClosed = nullptr;
+        m_prefixes.clear();
+        m_scope.reset();
+        m_scopes.clear();
     }
 
 private:
+    // The prefixes in scope now, shared by the elements that see the same.
+    std::shared_ptr<PrefixScope const> Scope()
+    {
+        if (!m_scope)
+            m_scope = std::make_shared<PrefixScope const>(m_prefixes);
+        return m_scope;
+    }
+
     static void Apply(Node &node, std::map<std::pair<std::string, std::string>, std::string> const &values)
     {
         for (auto const &[key, value] : values)
@@ -293,8 +361,9 @@ private:
     std::vector<Node *> m_stack;
     std::vector<bool> m_attrsDone;
     std::unique_ptr<std::map<std::pair<std::string, std::string>, std::string>> m_pendingAttributes;
-    Node *m_lastClosed = nullptr;
-    bool m_lastClosedHasPsvi = false;
+    PrefixScope m_prefixes;
+    std::shared_ptr<PrefixScope const> m_scope;
+    std::map<Node const *, std::shared_ptr<PrefixScope const>> m_scopes;
 };
 
 std::string Where(Node const &node, std::string const &path)
@@ -331,17 +400,29 @@ std::string CompareAt(Node const &e, Node const &a, std::string const &path)
         return e.primitive + " value differs (" + here + ")";
     if (!e.hasValue && !e.elementOnly && Collapse(e.text) != Collapse(a.text))
         return "text differs (" + here + ")";
-    std::size_t const n = std::min(e.children.size(), a.children.size());
+    std::vector<Node const *> expected, actual;
+    for (auto const &child : e.children)
+        expected.push_back(child.get());
+    for (auto const &child : a.children)
+        actual.push_back(child.get());
+    if (e.unordered)
+    {
+        // Each element of an all group stands once at most.
+        auto const byName = [](Node const *x, Node const *y) { return std::tie(x->ns, x->local) < std::tie(y->ns, y->local); };
+        std::stable_sort(expected.begin(), expected.end(), byName);
+        std::stable_sort(actual.begin(), actual.end(), byName);
+    }
+    std::size_t const n = std::min(expected.size(), actual.size());
     for (std::size_t i = 0; i < n; ++i)
     {
-        std::string const d = CompareAt(*e.children[i], *a.children[i], here);
+        std::string const d = CompareAt(*expected[i], *actual[i], here);
         if (!d.empty())
             return d;
     }
-    if (e.children.size() > n)
-        return "element lost (" + Where(*e.children[n], here) + ")";
-    if (a.children.size() > n)
-        return "element added (" + Where(*a.children[n], here) + ")";
+    if (expected.size() > n)
+        return "element lost (" + Where(*expected[n], here) + ")";
+    if (actual.size() > n)
+        return "element added (" + Where(*actual[n], here) + ")";
     return std::string();
 }
 } // namespace

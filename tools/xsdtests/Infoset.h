@@ -23,6 +23,7 @@ struct Node
     bool hasValue = false;  // simple content: `value` is its canonical form
     std::string value;
     bool elementOnly = false; // text between children is only formatting
+    bool unordered = false;   // the children of an all group: their order binds nothing
     bool nil = false;
     std::string type;       // {ns}name of a named type, for xsi:type
     std::string primitive;  // the simple type's primitive, for messages
