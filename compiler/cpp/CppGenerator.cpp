@@ -575,7 +575,7 @@ private:
     {
         ClassDef const &c = m.classes[ci];
         for (std::size_t pi = 0; pi < c.properties.size(); ++pi)
-            if (ValueType const *v = FacetedValue(c, pi); v != nullptr && HoldsQName(*v))
+            if (ValueType const *v = FacetedValue(c, pi); (v != nullptr && HoldsQName(*v)) || HoldsUntyped(c.properties[pi]))
                 return true;
         return false;
     }
@@ -662,8 +662,8 @@ private:
             {"origin", c.origin},
             {"cells", std::to_string(std::max<std::size_t>(1, c.properties.size()))},
             {"accessors", Declarations(ci)},
-            {"qnames", qnames ? "    // QName values keep their prefixes: reading notes what each stands for,\n"
-                                "    // and writing declares them on this element.\n"
+            {"qnames", qnames ? "    // QName values and xsi:type in untyped content keep their prefixes:\n"
+                                "    // reading notes what each stands for, and writing declares them here.\n"
                                 "    MxXmlLib::CXmlElement *FromXml_Int(MxXmlLib::CXmlElement *element, "
                                 "MxXmlLib::CXmlElement *cursor,\n"
                                 "                                       MxXmlLib::CSerializationContext const "
@@ -1332,6 +1332,9 @@ private:
             if (type >= 0 && v != nullptr && HoldsQName(*v))
                 collect += "    MxXmlLib::CollectSchemaValuePrefixes(element, SchemaValues().types[" +
                            std::to_string(type) + "], m_cells[" + std::to_string(pi) + "], m_prefixes);\n";
+            else if (type < 0 && HoldsUntyped(c.properties[pi]))
+                collect += "    MxXmlLib::CollectUntypedTypePrefixes(element, m_cells[" + std::to_string(pi) +
+                           "], m_prefixes);\n";
         }
         return Fill("MxXmlLib::CXmlElement *$class$::FromXml_Int(MxXmlLib::CXmlElement *element, "
                     "MxXmlLib::CXmlElement *cursor,\n"

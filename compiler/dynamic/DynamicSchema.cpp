@@ -735,10 +735,15 @@ CXmlElement *CDynamicObject::FromXml_Int(CXmlElement *element, CXmlElement *curs
     CXmlElement *const next = CXmlGeneratedClass::FromXml_Int(element, cursor, context, optionalChoice);
     m_prefixes.clear();
     std::vector<int> const &types = m_set->propertyValueTypes[static_cast<std::size_t>(m_class)];
+    std::vector<Property> const &properties = GetClass().properties;
     for (std::size_t i = 0; i < m_cells.size(); ++i)
+    {
         if (types[i] >= 0)
             CollectSchemaValuePrefixes(element, m_set->valueTypes[static_cast<std::size_t>(types[i])], m_cells[i],
                                        m_prefixes);
+        else if (HoldsUntyped(properties[i]))
+            CollectUntypedTypePrefixes(element, m_cells[i], m_prefixes);
+    }
     return next;
 }
 

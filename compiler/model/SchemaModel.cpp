@@ -289,4 +289,10 @@ ValueType const *FacetedValue(ClassDef const &c, std::size_t index)
     return static_cast<int>(index) == c.simpleContentProperty ? &c.simpleContent : nullptr;
 }
 
+bool HoldsUntyped(Property const &p)
+{
+    return p.holds == Property::Holds::Element || p.holds == Property::Holds::MandatoryElement ||
+           p.holds == Property::Holds::ElementCol;
+}
+
 } // namespace MxCompiler

@@ -186,6 +186,9 @@ struct ClassDef
 // functions found. Both back ends ask it of the same model.
 ValueType const *FacetedValue(ClassDef const &c, std::size_t index);
 
+// Whether property `p` holds untyped elements (xs:any, anyType content).
+bool HoldsUntyped(Property const &p);
+
 // A global element declaration: what a document may start with.
 struct RootElement
 {

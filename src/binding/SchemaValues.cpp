@@ -1,6 +1,9 @@
 #include "binding/SchemaValues.h"
 
+#include "collections/Attribute.h"
+#include "collections/AttributeCol.h"
 #include "collections/Element.h"
+#include "collections/ElementCol.h"
 #include "document/XmlDocument.h"
 #include "metadata/ElementInfo.h"
 #include "document/XmlWriter.h"
@@ -270,6 +273,42 @@ void CollectSchemaValuePrefixes(CXmlElement const *element, CSchemaValueType con
         if (!uri.empty())
             prefixes.emplace_back(prefix, uri);
     }
+}
+
+namespace
+{
+char const kXsiNamespace[] = "http://www.w3.org/2001/XMLSchema-instance";
+
+void CollectTypePrefixes(CXmlDocument const &document, CElement const &untyped, SchemaValuePrefixes &prefixes)
+{
+    for (CAttribute const *attribute : *untyped.GetAttributes())
+    {
+        if (attribute->GetName() != "type" || attribute->GetNamespace() != kXsiNamespace)
+            continue;
+        std::string const value = CWhitespaceUtils::ApplyRule(WhitespaceRule::Collapse, attribute->GetValue());
+        std::size_t const colon = value.find(':');
+        if (colon == std::string::npos)
+            continue;
+        std::string const prefix = value.substr(0, colon);
+        std::string const uri = document.LookupNamespaceFromAlias(prefix.c_str());
+        if (!uri.empty())
+            prefixes.emplace_back(prefix, uri);
+    }
+    for (CElement const *child : *untyped.GetChildElements())
+        CollectTypePrefixes(document, *child, prefixes);
+}
+} // namespace
+
+void CollectUntypedTypePrefixes(CXmlElement const *element, MxVariant const &cell, SchemaValuePrefixes &prefixes)
+{
+    if (element == nullptr || element->GetDocument() == nullptr || cell.GetTypeAsEnum() != ItemType_XmlObject)
+        return;
+    CSmartPtr<CXmlObjectBase> const object = cell.GetXmlObject();
+    if (auto const *untyped = dynamic_cast<CElement const *>(object.Get()))
+        CollectTypePrefixes(*element->GetDocument(), *untyped, prefixes);
+    else if (auto const *collection = dynamic_cast<CElementCol const *>(object.Get()))
+        for (CElement const *item : *collection)
+            CollectTypePrefixes(*element->GetDocument(), *item, prefixes);
 }
 
 void DeclareSchemaValuePrefixes(CXmlWriter *writer, SchemaValuePrefixes const &prefixes)

@@ -115,6 +115,10 @@ using SchemaValuePrefixes = std::vector<std::pair<std::string, std::string>>; //
 void CollectSchemaValuePrefixes(CXmlElement const *element, CSchemaValueType const &type, MxVariant const &cell,
                                 SchemaValuePrefixes &prefixes);
 void DeclareSchemaValuePrefixes(CXmlWriter *writer, SchemaValuePrefixes const &prefixes);
+// The same for the xsi:type attributes in untyped content (a cell holding a
+// CElement or a CElementCol): such an element keeps the attribute's text,
+// not the mapping of the prefix in it.
+void CollectUntypedTypePrefixes(CXmlElement const *element, MxVariant const &cell, SchemaValuePrefixes &prefixes);
 
 // Init, and the same for every child object that Init made, down to where a
 // class would contain itself: an object of a global element that a program

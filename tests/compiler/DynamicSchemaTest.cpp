@@ -226,7 +226,9 @@ TEST_F(DynamicSchemaTest, QNamePrefixesAreDeclaredOnceWhereTheValueIs)
                                 "type='xs:QName'/><xs:element name='c'><xs:complexType><xs:sequence>"
                                 "<xs:element name='b' type='xs:QName'/></xs:sequence></xs:complexType></xs:element>"
                                 "</xs:sequence></xs:complexType></xs:element><xs:element name='l'><xs:simpleType>"
-                                "<xs:list itemType='xs:QName'/></xs:simpleType></xs:element></xs:schema>");
+                                "<xs:list itemType='xs:QName'/></xs:simpleType></xs:element><xs:element name='u'>"
+                                "<xs:complexType><xs:sequence><xs:element name='v' maxOccurs='unbounded'/>"
+                                "</xs:sequence></xs:complexType></xs:element></xs:schema>");
     // With ReadsBackAsXml, Fast Infoset declares a value's prefixes in the
     // element's namespace block, the root's too, where one namespace may
     // have several.
@@ -243,6 +245,12 @@ TEST_F(DynamicSchemaTest, QNamePrefixesAreDeclaredOnceWhereTheValueIs)
         // on a prefixed element without children.
         {"<q xmlns='urn:q'>x</q>", "<AA:q xmlns:AA=\"urn:q\" xmlns=\"urn:q\">x</AA:q>"},
         {"<p:q xmlns:p='urn:q' xmlns='urn:d'>x</p:q>", "<AA:q xmlns:AA=\"urn:q\" xmlns=\"urn:d\">x</AA:q>"},
+        // Untyped content keeps an xsi:type's text; its prefix is declared
+        // by the class that holds the content.
+        {"<u xmlns='urn:q' xmlns:i='http://www.w3.org/2001/XMLSchema-instance' "
+         "xmlns:xs='http://www.w3.org/2001/XMLSchema'><v i:type='xs:int'>1</v></u>",
+         "<AA:u xmlns:AA=\"urn:q\" xmlns:xs=\"http://www.w3.org/2001/XMLSchema\"><AA:v xmlns:AB=\""
+         "http://www.w3.org/2001/XMLSchema-instance\" AB:type=\"xs:int\">1</AA:v></AA:u>"},
         {"<l xmlns='urn:q' xmlns:p='urn:p' xmlns:o='urn:p'>p:x o:y p:z</l>",
          "<AA:l xmlns:AA=\"urn:q\" xmlns:p=\"urn:p\" xmlns:o=\"urn:p\">p:x o:y p:z</AA:l>"},
     };
