@@ -242,6 +242,10 @@ public:
             auto *t = static_cast<XSTypeDefinition *>(types->item(i));
             if (t->getTypeCategory() == XSTypeDefinition::COMPLEX_TYPE && Utf8(t->getNamespace()) != kXsdNamespace)
                 ClassFor(static_cast<XSComplexTypeDefinition *>(t), "");
+            else if (t->getTypeCategory() == XSTypeDefinition::SIMPLE_TYPE && t->getBaseType() != nullptr &&
+                     t->getBaseType() != t && t->getBaseType()->getTypeCategory() == XSTypeDefinition::SIMPLE_TYPE)
+                m_simpleDerived[static_cast<XSSimpleTypeDefinition *>(t->getBaseType())].push_back(
+                    static_cast<XSSimpleTypeDefinition *>(t));
         }
         XSNamedMap<XSObject> *elements = m_xs->getComponents(XSConstants::ELEMENT_DECLARATION);
         for (XMLSize_t i = 0; elements && i < elements->getLength(); ++i)
@@ -344,6 +348,41 @@ private:
         return index;
     }
 
+    // Whether xsi:type may name a type other than `type` itself: a named
+    // simple type of the schema set from which others derive. (Built-in
+    // types keep their value rows: xsi:type naming a restriction of
+    // xs:string would otherwise turn every string of a schema into a class.)
+    bool Substitutable(XSSimpleTypeDefinition *type) const
+    {
+        return !type->getAnonymous() && Utf8(type->getNamespace()) != kXsdNamespace &&
+               m_simpleDerived.count(type) != 0;
+    }
+
+    // The class of a named simple type whose derivations xsi:type may pick:
+    // the value as its text, one class per derived type below it.
+    int TypedSimpleClass(XSSimpleTypeDefinition *type)
+    {
+        auto const found = m_simpleClasses.find(type);
+        if (found != m_simpleClasses.end())
+            return found->second;
+        std::string const name = Utf8(type->getName());
+        int const index = SimpleClass(type, name, Utf8(type->getNamespace()));
+        m_simpleClasses[type] = index;
+        Class(index).anonymous = false;
+        Class(index).origin = "simple type " + name;
+        auto const derived = m_simpleDerived.find(type);
+        if (derived == m_simpleDerived.end())
+            return index;
+        for (XSSimpleTypeDefinition *d : derived->second)
+        {
+            int const child = TypedSimpleClass(d);
+            Class(child).baseClass = index;
+            Class(child).hasBaseClasses = true;
+            Class(index).derived.push_back(child);
+        }
+        return index;
+    }
+
     void AddRoot(XSElementDeclaration *e)
     {
         RootElement root;
@@ -358,8 +397,11 @@ private:
             root.classIndex = ClassFor(static_cast<XSComplexTypeDefinition *>(type), root.name, root.ns);
         else
         {
-            root.value = ValueFor(static_cast<XSSimpleTypeDefinition *>(type), root.name);
-            root.classIndex = SimpleClass(static_cast<XSSimpleTypeDefinition *>(type), root.name, root.ns);
+            auto *simple = static_cast<XSSimpleTypeDefinition *>(type);
+            root.value = ValueFor(simple, root.name);
+            root.classIndex = Substitutable(simple) && e->getConstraintType() == XSConstants::VALUE_CONSTRAINT_NONE
+                                  ? TypedSimpleClass(simple)
+                                  : SimpleClass(simple, root.name, root.ns);
         }
         m_model.roots.push_back(root);
     }
@@ -611,6 +653,17 @@ private:
         auto *simple = static_cast<XSSimpleTypeDefinition *>(type);
         row.value = ValueFor(simple, row.name);
         row.kind = row.value.enumeration >= 0 ? RowKind::Enum : RowKind::Prim;
+        if (Substitutable(simple) && !row.hasDefault)
+        {
+            // xsi:type may name a derived simple type: the value becomes an
+            // object whose class the factory picks, as for complex types.
+            // (A default stays with a value row: the classes are shared by
+            // every element of the type, and the default is the element's.)
+            row.kind = RowKind::AbsCls;
+            row.classIndex = TypedSimpleClass(simple);
+            AddRow(index, row, row.occurs == Occurs::Col ? Property::Holds::ObjectCol : Property::Holds::Object);
+            return;
+        }
         if (row.nillable)
         {
             // A value row reads xsi:nil by storing nothing, which would lose
@@ -1057,6 +1110,8 @@ private:
     Model m_model;
     std::map<XSComplexTypeDefinition *, int> m_classes;
     std::map<XSSimpleTypeDefinition *, int> m_enumerations;
+    std::map<XSSimpleTypeDefinition *, std::vector<XSSimpleTypeDefinition *>> m_simpleDerived;
+    std::map<XSSimpleTypeDefinition *, int> m_simpleClasses;
     std::map<XSElementDeclaration *, std::vector<XSElementDeclaration *>> m_members;
     std::vector<std::pair<int, XSComplexTypeDefinition *>> m_pending;
     std::set<std::string> m_identifiers;
