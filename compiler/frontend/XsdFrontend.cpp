@@ -528,6 +528,8 @@ private:
                     AddParticle(index, group, list->elementAt(i), depth + 1);
                 return;
             }
+            if (list->size() == 1 && group != Group::All && FlattenRepeatedGroup(index, group, list->elementAt(0), min, max, depth))
+                return;
             int const pseudo = PseudoClass(index, inner, inner == Group::Choice ? "Choice" : "Group");
             for (XMLSize_t i = 0; i < list->size(); ++i)
                 AddParticle(pseudo, inner, list->elementAt(i), depth + 1);
@@ -537,6 +539,31 @@ private:
         default:
             return;
         }
+    }
+
+    // A group of one element (or wildcard), the group occurring min..max
+    // times and the element a..b times each: the element alone, occurring
+    // min*a..max*b times, where those counts are all that the two allow
+    // (a of 0 or 1, or b unbounded). The rows read greedily, so the group
+    // would take every element in its first round and miss its minimum.
+    bool FlattenRepeatedGroup(int index, Group group, XSParticle *only, int min, int max, int depth)
+    {
+        if (only->getTermType() != XSParticle::TERM_ELEMENT && only->getTermType() != XSParticle::TERM_WILDCARD)
+            return false;
+        long long const a = only->getMinOccurs();
+        bool const unboundedInner = only->getMaxOccursUnbounded();
+        long long const b = unboundedInner ? -1 : static_cast<long long>(only->getMaxOccurs());
+        if ((min == 1 && max == 1) || b == 0 || (a > 1 && !unboundedInner) || min < 0)
+            return false;
+        long long const total = static_cast<long long>(min) * a;
+        long long const most = max < 0 || unboundedInner ? -1 : static_cast<long long>(max) * b;
+        if (total > INT_MAX || most > INT_MAX)
+            return false;
+        if (only->getTermType() == XSParticle::TERM_ELEMENT)
+            AddElement(index, group, only->getElementTerm(), static_cast<int>(total), static_cast<int>(most), depth + 1);
+        else
+            AddWildcard(index, group, only->getWildcardTerm(), static_cast<int>(total), static_cast<int>(most), depth + 1);
+        return true;
     }
 
     int PseudoClass(int parent, Group group, char const *word)

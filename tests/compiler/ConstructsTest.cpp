@@ -35,6 +35,13 @@ constexpr ConstructCase kConstructs[] = {
      "<r xmlns='urn:c'><a>1</a><b>x</b><a>2</a><c>true</c><d>1.5</d><d>2</d></r>",
      "<AA:r xmlns:AA=\"urn:c\"><AA:a>1</AA:a><AA:b>x</AA:b><AA:a>2</AA:a><AA:c>true</AA:c><AA:d>1.5</AA:d>"
      "<AA:d>2</AA:d></AA:r>"},
+    {"a repeated group of one element reads as the element repeated",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:sequence minOccurs='2' maxOccurs='unbounded'>"
+     "<xs:element name='e' type='xs:int' maxOccurs='unbounded'/></xs:sequence><xs:choice minOccurs='2' "
+     "maxOccurs='2'><xs:element name='f' type='xs:int' minOccurs='0'/></xs:choice></xs:sequence></xs:complexType>"
+     "</xs:element>",
+     "<r xmlns='urn:c'><e>1</e><e>2</e><f>3</f></r>",
+     "<AA:r xmlns:AA=\"urn:c\"><AA:e>1</AA:e><AA:e>2</AA:e><AA:f>3</AA:f></AA:r>"},
     {"all group",
      "<xs:element name='r'><xs:complexType><xs:all><xs:element name='a' type='xs:int'/>"
      "<xs:element name='b' type='xs:string' minOccurs='0'/></xs:all></xs:complexType></xs:element>",
