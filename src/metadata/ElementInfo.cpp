@@ -148,6 +148,16 @@ bool CElementInfo::IsThisElement(CSerializationContext const &context, CXmlEleme
     return context.GetIgnoreNamespaces() || element->GetNamespaceURI() == m_elementNamespace;
 }
 
+bool CElementInfo::MandatoryWritten(bool written) const
+{
+    return RowSteps::RequireWritten(written, m_elementName);
+}
+
+bool CElementInfo::MandatoryFound(bool found, bool isRealElement) const
+{
+    return RowSteps::ValidateMandatory(found, isRealElement, m_elementName);
+}
+
 std::string CElementInfo::GetAnyDefaultNamespace(char const *restriction, char const *classNamespace,
                                                  char const *targetNamespace)
 {

@@ -162,6 +162,11 @@ protected:
     MxVariant ReadProperty(CXmlGeneratedClass const *object) const;
 
     bool IsThisElement(CSerializationContext const &context, CXmlElement const *element) const;
+    // A mandatory row's answers: `written`, or the failure of an unset
+    // property; `found`, or the end of an inline owner's group (false), or
+    // the failure of a missing element of a real owner.
+    bool MandatoryWritten(bool written) const;
+    bool MandatoryFound(bool found, bool isRealElement) const;
     CXmlElement *FromXml_Int(CXmlObjectBase *object, CXmlElement *element, CXmlElement *cursor,
                              CSerializationContext const &context, bool optionalChoice) const;
     // The text of a simple element after its attributes are checked, or the

@@ -31,8 +31,8 @@ CElementInfoAllEnumCol::CElementInfoAllEnumCol(char const *name, char const *ele
 
 CElementInfoAllAbsClsMnd::CElementInfoAllAbsClsMnd(char const *name, char const *elementNamespace,
                                                    int propertyIndex, XmlElementType elementType,
-                                                   CClassfactoryBase::FactoryByElement factory, int)
-    : CElementInfoMandatory(name, elementNamespace, propertyIndex, elementType, factory)
+                                                   CClassfactoryBase::FactoryByElement factory, int unused)
+    : CElementInfoMandatory(name, elementNamespace, propertyIndex, elementType, factory), m_unused(unused)
 {
 }
 

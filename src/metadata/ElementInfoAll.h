@@ -26,10 +26,26 @@ public:
 // The repeated kinds: inline items of a class (elementType 1) write their
 // attributes on the parent's start tag; the collection converts and checks
 // primitives; for xs:any its wildcard decides, whatever the name.
-class CElementInfoAllAbsClsCol : public CElementInfoAllCol { using CElementInfoAllCol::CElementInfoAllCol; };
-class CElementInfoAllClsCol : public CElementInfoAllCol { using CElementInfoAllCol::CElementInfoAllCol; };
-class CElementInfoAllPrimCol : public CElementInfoAllCol { using CElementInfoAllCol::CElementInfoAllCol; };
-class CElementInfoAllUntpdCol : public CElementInfoAllCol { using CElementInfoAllCol::CElementInfoAllCol; };
+class CElementInfoAllAbsClsCol : public CElementInfoClassItems<CElementInfoAllCol>
+{
+public:
+    using CElementInfoClassItems::CElementInfoClassItems;
+};
+class CElementInfoAllClsCol : public CElementInfoClassItems<CElementInfoAllCol>
+{
+public:
+    using CElementInfoClassItems::CElementInfoClassItems;
+};
+class CElementInfoAllPrimCol : public CElementInfoAllCol
+{
+public:
+    using CElementInfoAllCol::CElementInfoAllCol;
+};
+class CElementInfoAllUntpdCol : public CElementInfoAllCol
+{
+public:
+    using CElementInfoAllCol::CElementInfoAllCol;
+};
 
 // A repeated enumeration. Deliberately outside the collection rule: it
 // derives from CElementInfo alone and leaves reading and writing abstract,
@@ -46,11 +62,13 @@ public:
 class CElementInfoAllAbsClsMnd : public CElementInfoMandatory<CElementInfoSubstitution>
 {
 public:
-    // The last argument is kept for generated code; nothing reads it.
     CElementInfoAllAbsClsMnd(char const *name, char const *elementNamespace, int propertyIndex,
-                             XmlElementType elementType, CClassfactoryBase::FactoryByElement factory, int);
+                             XmlElementType elementType, CClassfactoryBase::FactoryByElement factory, int unused);
     bool ElementFromXml(CSerializationContext const &context, CXmlGeneratedClass *object, CXmlElement *parent,
                         CXmlElement **current, char const *classNamespace, XmlElementType ownerType) override;
+
+protected:
+    int m_unused; // kept for the generated constructor; nothing reads it
 };
 
 // A substitutable class, at most once. As CElementInfoAllAbsClsMnd, but the
@@ -70,11 +88,20 @@ public:
 class CElementInfoAllClsMnd : public CElementInfoMandatory<CElementInfoClass>
 {
 public:
-    using CElementInfoMandatory::CElementInfoMandatory;
+    CElementInfoAllClsMnd(char const *name, char const *elementNamespace, int propertyIndex,
+                          XmlElementType elementType, CClassfactoryBase::FactoryByNumber factory, int classId,
+                          bool contentRequired)
+        : CElementInfoMandatory(name, elementNamespace, propertyIndex, elementType, factory, classId),
+          m_contentRequired(contentRequired)
+    {
+    }
     bool ElementFromXml(CSerializationContext const &context, CXmlGeneratedClass *object, CXmlElement *parent,
                         CXmlElement **current, char const *classNamespace, XmlElementType ownerType) override;
     bool Validate(CSerializationContext const &context, CXmlGeneratedClass const *object, bool found,
                   bool isRealElement) const override;
+
+protected:
+    bool m_contentRequired;
 };
 
 // A concrete class, at most once. Takes: its element, or what a new inline
@@ -89,10 +116,26 @@ public:
 
 // Enumerations and primitives take their element at the cursor, as every
 // simple row of xs:all and xs:choice does.
-class CElementInfoAllEnumMnd : public CElementInfoMandatory<CElementInfoSimple> { using CElementInfoMandatory::CElementInfoMandatory; };
-class CElementInfoAllEnumOpt : public CElementInfoSimple { using CElementInfoSimple::CElementInfoSimple; };
-class CElementInfoAllPrimMnd : public CElementInfoMandatory<CElementInfoSimple> { using CElementInfoMandatory::CElementInfoMandatory; };
-class CElementInfoAllPrimOpt : public CElementInfoSimple { using CElementInfoSimple::CElementInfoSimple; };
+class CElementInfoAllEnumMnd : public CElementInfoMandatory<CElementInfoSimple>
+{
+public:
+    using CElementInfoMandatory::CElementInfoMandatory;
+};
+class CElementInfoAllEnumOpt : public CElementInfoSimple
+{
+public:
+    using CElementInfoSimple::CElementInfoSimple;
+};
+class CElementInfoAllPrimMnd : public CElementInfoMandatory<CElementInfoSimple>
+{
+public:
+    using CElementInfoMandatory::CElementInfoMandatory;
+};
+class CElementInfoAllPrimOpt : public CElementInfoSimple
+{
+public:
+    using CElementInfoSimple::CElementInfoSimple;
+};
 
 // xs:any, exactly once, into the CElement the property holds. Takes: the
 // element at the cursor if its name fits and the wildcard allows it.

@@ -33,10 +33,26 @@ protected:
 // The repeated kinds. Inline items of a class (elementType 1) write their
 // attributes on the parent's start tag; enumerations and primitives are
 // converted (and checked) by the collection.
-class CElementInfoChoiceAbsClsCol : public CElementInfoChoiceCol { using CElementInfoChoiceCol::CElementInfoChoiceCol; };
-class CElementInfoChoiceClsCol : public CElementInfoChoiceCol { using CElementInfoChoiceCol::CElementInfoChoiceCol; };
-class CElementInfoChoiceEnumCol : public CElementInfoChoiceCol { using CElementInfoChoiceCol::CElementInfoChoiceCol; };
-class CElementInfoChoicePrimCol : public CElementInfoChoiceCol { using CElementInfoChoiceCol::CElementInfoChoiceCol; };
+class CElementInfoChoiceAbsClsCol : public CElementInfoClassItems<CElementInfoChoiceCol>
+{
+public:
+    using CElementInfoClassItems::CElementInfoClassItems;
+};
+class CElementInfoChoiceClsCol : public CElementInfoClassItems<CElementInfoChoiceCol>
+{
+public:
+    using CElementInfoClassItems::CElementInfoClassItems;
+};
+class CElementInfoChoiceEnumCol : public CElementInfoChoiceCol
+{
+public:
+    using CElementInfoChoiceCol::CElementInfoChoiceCol;
+};
+class CElementInfoChoicePrimCol : public CElementInfoChoiceCol
+{
+public:
+    using CElementInfoChoiceCol::CElementInfoChoiceCol;
+};
 
 // Repeated xs:any into a CElementCol. Takes: under "AnyElement", what the
 // wildcard allows; under any other name, the run of elements of that name
@@ -74,8 +90,16 @@ public:
 };
 
 // Enumerations and primitives take their element at the cursor.
-class CElementInfoChoiceEnumOpt : public CElementInfoSimple { using CElementInfoSimple::CElementInfoSimple; };
-class CElementInfoChoicePrimOpt : public CElementInfoSimple { using CElementInfoSimple::CElementInfoSimple; };
+class CElementInfoChoiceEnumOpt : public CElementInfoSimple
+{
+public:
+    using CElementInfoSimple::CElementInfoSimple;
+};
+class CElementInfoChoicePrimOpt : public CElementInfoSimple
+{
+public:
+    using CElementInfoSimple::CElementInfoSimple;
+};
 
 // xs:any. Takes: the element at the cursor if its name fits and the
 // wildcard allows it. Stores: a new CElement; when it took nothing, the

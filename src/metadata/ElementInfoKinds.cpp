@@ -16,9 +16,8 @@ using namespace RowSteps;
 // ---------------------------------------------------------------------------
 // Collections
 
-CElementInfoCollection::CElementInfoCollection(char const *name, char const *elementNamespace, int propertyIndex,
-                                               XmlElementType elementType)
-    : CElementInfo(name, elementNamespace, propertyIndex), m_elementType(elementType)
+CElementInfoCollection::CElementInfoCollection(char const *name, char const *elementNamespace, int propertyIndex)
+    : CElementInfo(name, elementNamespace, propertyIndex)
 {
 }
 
@@ -51,10 +50,10 @@ bool CElementInfoCollection::WriteItems(CSerializationContext const &context, CX
     return true;
 }
 
-void CElementInfoCollection::PseudoChildAttributeToXml(CSerializationContext const &context,
-                                                       CXmlGeneratedClass const *object, CXmlWriter *writer) const
+void CElementInfoCollection::ItemAttributesToXml(XmlElementType elementType, CSerializationContext const &context,
+                                                 CXmlGeneratedClass const *object, CXmlWriter *writer) const
 {
-    if (m_elementType == XmlElementType_PseudoElement)
+    if (elementType == XmlElementType_PseudoElement)
         WriteItemAttributes(ReadProperty(object), m_elementName, context, writer);
 }
 
@@ -86,9 +85,8 @@ CXmlElement *CElementInfoCollection::ReadUntypedItems(CSerializationContext cons
 // ---------------------------------------------------------------------------
 // Objects
 
-CElementInfoObject::CElementInfoObject(char const *name, char const *elementNamespace, int propertyIndex,
-                                       XmlElementType elementType)
-    : CElementInfo(name, elementNamespace, propertyIndex), m_elementType(elementType)
+CElementInfoObject::CElementInfoObject(char const *name, char const *elementNamespace, int propertyIndex)
+    : CElementInfo(name, elementNamespace, propertyIndex)
 {
 }
 
@@ -103,13 +101,6 @@ bool CElementInfoObject::Validate(CSerializationContext const &, CXmlGeneratedCl
     return true;
 }
 
-void CElementInfoObject::PseudoChildAttributeToXml(CSerializationContext const &context,
-                                                   CXmlGeneratedClass const *object, CXmlWriter *writer) const
-{
-    if (m_elementType == XmlElementType_PseudoElement)
-        WriteChildAttributes(ReadProperty(object), context, writer);
-}
-
 bool CElementInfoObject::WriteObject(CSerializationContext const &context, CXmlGeneratedClass const *object,
                                      CXmlWriter *writer, bool optionalChoice) const
 {
@@ -120,11 +111,6 @@ bool CElementInfoObject::WriteObject(CSerializationContext const &context, CXmlG
         return false;
     CXmlObjectBase::ToXml_Int(child, writer, false, m_elementNamespace.c_str(), context, optionalChoice);
     return true;
-}
-
-bool CElementInfoObject::MayStartAt(CSerializationContext const &context, CXmlElement const *at) const
-{
-    return m_elementType == XmlElementType_Element ? IsThisElement(context, at) : at != nullptr;
 }
 
 CSmartPtr<CXmlObjectBase> CElementInfoObject::HeldChild(CXmlGeneratedClass *object) const
@@ -163,11 +149,28 @@ bool CElementInfoObject::ReadAndStoreChild(CSerializationContext const &context,
     return took;
 }
 
+CElementInfoChild::CElementInfoChild(char const *name, char const *elementNamespace, int propertyIndex,
+                                     XmlElementType elementType)
+    : CElementInfoObject(name, elementNamespace, propertyIndex), m_elementType(elementType)
+{
+}
+
+void CElementInfoChild::PseudoChildAttributeToXml(CSerializationContext const &context,
+                                                  CXmlGeneratedClass const *object, CXmlWriter *writer) const
+{
+    if (m_elementType == XmlElementType_PseudoElement)
+        WriteChildAttributes(ReadProperty(object), context, writer);
+}
+
+bool CElementInfoChild::MayStartAt(CSerializationContext const &context, CXmlElement const *at) const
+{
+    return m_elementType == XmlElementType_Element ? IsThisElement(context, at) : at != nullptr;
+}
+
 CElementInfoClass::CElementInfoClass(char const *name, char const *elementNamespace, int propertyIndex,
                                      XmlElementType elementType, CClassfactoryBase::FactoryByNumber factory,
-                                     int classId, bool contentRequired)
-    : CElementInfoObject(name, elementNamespace, propertyIndex, elementType), m_factory(factory),
-      m_classId(classId), m_contentRequired(contentRequired)
+                                     int classId)
+    : CElementInfoChild(name, elementNamespace, propertyIndex, elementType), m_factory(factory), m_classId(classId)
 {
 }
 
@@ -179,7 +182,7 @@ CSmartPtr<CXmlObjectBase> CElementInfoClass::MakeChild() const
 CElementInfoSubstitution::CElementInfoSubstitution(char const *name, char const *elementNamespace,
                                                    int propertyIndex, XmlElementType elementType,
                                                    CClassfactoryBase::FactoryByElement factory)
-    : CElementInfoObject(name, elementNamespace, propertyIndex, elementType), m_factory(factory)
+    : CElementInfoChild(name, elementNamespace, propertyIndex, elementType), m_factory(factory)
 {
 }
 
@@ -192,7 +195,7 @@ bool CElementInfoSubstitution::ReadAndStoreMade(CSerializationContext const &con
 
 CElementInfoAny::CElementInfoAny(char const *name, char const *elementNamespace, int propertyIndex,
                                  char const *namespaceRestriction, char const *targetNamespace)
-    : CElementInfoObject(name, elementNamespace, propertyIndex, XmlElementType_Element),
+    : CElementInfoObject(name, elementNamespace, propertyIndex),
       m_namespaceRestriction(namespaceRestriction ? namespaceRestriction : ""),
       m_targetNamespace(targetNamespace ? targetNamespace : "")
 {
@@ -293,27 +296,5 @@ void CElementInfoSimple::ReadValue(CSerializationContext const &context, CXmlGen
     }
     *current = e->GetNextSiblingElement();
 }
-
-// ---------------------------------------------------------------------------
-// Mandatory rows
-
-template <typename Kind>
-bool CElementInfoMandatory<Kind>::ElementToXml(CSerializationContext const &context,
-                                               CXmlGeneratedClass const *object, CXmlWriter *writer) const
-{
-    return RequireWritten(Kind::ElementToXml(context, object, writer), this->m_elementName);
-}
-
-template <typename Kind>
-bool CElementInfoMandatory<Kind>::Validate(CSerializationContext const &, CXmlGeneratedClass const *, bool found,
-                                           bool isRealElement) const
-{
-    return ValidateMandatory(found, isRealElement, this->m_elementName);
-}
-
-template class CElementInfoMandatory<CElementInfoClass>;
-template class CElementInfoMandatory<CElementInfoSubstitution>;
-template class CElementInfoMandatory<CElementInfoAny>;
-template class CElementInfoMandatory<CElementInfoSimple>;
 
 } // namespace MxXmlLibData

@@ -5,7 +5,8 @@
 // which attributes it forwards to an inline parent and the steps it reads
 // with; occurrence decides whether an unset property may be left out. The
 // group headers derive their rows from these and add where the element may
-// stand. Each row class keeps the constructor generated code calls.
+// stand. The bases add no fields beyond those of the rows that use them, and
+// each row class keeps the constructor generated code calls.
 
 #include "metadata/ClassFactory.h"
 #include "metadata/ElementInfo.h"
@@ -25,23 +26,22 @@ using MxXmlLib::CSmartPtr;
 
 // Col rows: the property is a collection that has its own bounds and reads
 // all matching siblings at once. Writes: the items, after the count check
-// unless the context ignores counts. Pseudo element items (elementType 1)
-// write their attributes on the parent's start tag.
+// unless the context ignores counts.
 class CElementInfoCollection : public CElementInfo
 {
 public:
-    CElementInfoCollection(char const *name, char const *elementNamespace, int propertyIndex,
-                           XmlElementType elementType = XmlElementType_Element);
+    CElementInfoCollection(char const *name, char const *elementNamespace, int propertyIndex);
 
     bool ElementToXml(CSerializationContext const &context, CXmlGeneratedClass const *object,
                       CXmlWriter *writer) const override;
-    void PseudoChildAttributeToXml(CSerializationContext const &context, CXmlGeneratedClass const *object,
-                                   CXmlWriter *writer) const override;
 
 protected:
     // The items without the count check.
     bool WriteItems(CSerializationContext const &context, CXmlGeneratedClass const *object,
                     CXmlWriter *writer) const;
+    // The attributes of pseudo element items (elementType 1), on the parent's start tag.
+    void ItemAttributesToXml(XmlElementType elementType, CSerializationContext const &context,
+                             CXmlGeneratedClass const *object, CXmlWriter *writer) const;
     // The collection the property holds; raises when it is unset.
     CSmartPtr<MxXmlLib::CXmlCollectionBase> HeldItems(CXmlGeneratedClass *object) const;
     // Lets the collection read from `at`; gives the first element it did not take.
@@ -52,14 +52,34 @@ protected:
     // namespace of the first one.
     CXmlElement *ReadUntypedItems(CSerializationContext const &context, CXmlGeneratedClass *object,
                                   CXmlElement *parent, CXmlElement *at) const;
+};
 
+// AbsClsCol and ClsCol rows of the group whose collection rule is `GroupCol`:
+// they keep the items' elementType, and pseudo element items write their
+// attributes on the parent's start tag.
+template <typename GroupCol>
+class CElementInfoClassItems : public GroupCol
+{
+public:
+    CElementInfoClassItems(char const *name, char const *elementNamespace, int propertyIndex,
+                           XmlElementType elementType)
+        : GroupCol(name, elementNamespace, propertyIndex), m_elementType(elementType)
+    {
+    }
+
+    void PseudoChildAttributeToXml(CSerializationContext const &context, CXmlGeneratedClass const *object,
+                                   CXmlWriter *writer) const override
+    {
+        this->ItemAttributesToXml(m_elementType, context, object, writer);
+    }
+
+protected:
     XmlElementType m_elementType;
 };
 
 // Cls, AbsCls and Untpd rows: the property holds one object, of a generated
-// class or, for xs:any, a CElement. Writes: the object when it is set. A
-// pseudo element child (elementType 1) writes its attributes on the parent's
-// start tag. Validate (xs:all): an optional row always passes.
+// class or, for xs:any, a CElement. Writes: the object when it is set.
+// Validate (xs:all): an optional row always passes.
 class CElementInfoObject : public CElementInfo
 {
 public:
@@ -67,19 +87,13 @@ public:
                       CXmlWriter *writer) const override;
     bool Validate(CSerializationContext const &context, CXmlGeneratedClass const *object, bool found,
                   bool isRealElement) const override;
-    void PseudoChildAttributeToXml(CSerializationContext const &context, CXmlGeneratedClass const *object,
-                                   CXmlWriter *writer) const override;
 
 protected:
-    CElementInfoObject(char const *name, char const *elementNamespace, int propertyIndex,
-                       XmlElementType elementType);
+    CElementInfoObject(char const *name, char const *elementNamespace, int propertyIndex);
 
     // `optionalChoice` lets a child that is itself a choice stay empty.
     bool WriteObject(CSerializationContext const &context, CXmlGeneratedClass const *object, CXmlWriter *writer,
                      bool optionalChoice) const;
-    // Whether a new child may start at `at`: an element of its own must carry
-    // the row's name, an inline child needs an element to read from.
-    bool MayStartAt(CSerializationContext const &context, CXmlElement const *at) const;
     // The object the property holds; raises when it is unset.
     CSmartPtr<CXmlObjectBase> HeldChild(CXmlGeneratedClass *object) const;
     void StoreChild(CXmlGeneratedClass *object, CXmlElement const &parent, CXmlObjectBase *child) const;
@@ -93,17 +107,34 @@ protected:
     // Moves the cursor past what it took and says whether it took anything.
     bool ReadAndStoreChild(CSerializationContext const &context, CXmlGeneratedClass *object, CXmlElement *parent,
                            CXmlElement **current, CXmlObjectBase *child, bool ownElement) const;
+};
+
+// Cls and AbsCls rows: the child is an element of its own (elementType 0)
+// or stands inline in the parent; a pseudo element child (elementType 1)
+// writes its attributes on the parent's start tag.
+class CElementInfoChild : public CElementInfoObject
+{
+public:
+    void PseudoChildAttributeToXml(CSerializationContext const &context, CXmlGeneratedClass const *object,
+                                   CXmlWriter *writer) const override;
+
+protected:
+    CElementInfoChild(char const *name, char const *elementNamespace, int propertyIndex,
+                      XmlElementType elementType);
+
+    // Whether a new child may start at `at`: an element of its own must carry
+    // the row's name, an inline child needs an element to read from.
+    bool MayStartAt(CSerializationContext const &context, CXmlElement const *at) const;
 
     XmlElementType m_elementType;
 };
 
 // Cls rows: a concrete class that the factory makes by number.
-// `contentRequired` is for mandatory rows only: the child must take something.
-class CElementInfoClass : public CElementInfoObject
+class CElementInfoClass : public CElementInfoChild
 {
 public:
     CElementInfoClass(char const *name, char const *elementNamespace, int propertyIndex, XmlElementType elementType,
-                      CClassfactoryBase::FactoryByNumber factory, int classId, bool contentRequired = false);
+                      CClassfactoryBase::FactoryByNumber factory, int classId);
 
 protected:
     // A new object of the row's class; a factory that makes none raises.
@@ -111,12 +142,11 @@ protected:
 
     CClassfactoryBase::FactoryByNumber m_factory;
     int m_classId;
-    bool m_contentRequired;
 };
 
 // AbsCls rows: a substitutable class that the factory picks from the element
 // (its xsi:type); null when no class fits.
-class CElementInfoSubstitution : public CElementInfoObject
+class CElementInfoSubstitution : public CElementInfoChild
 {
 public:
     CElementInfoSubstitution(char const *name, char const *elementNamespace, int propertyIndex,
@@ -195,14 +225,15 @@ public:
     using Kind::Kind;
 
     bool ElementToXml(CSerializationContext const &context, CXmlGeneratedClass const *object,
-                      CXmlWriter *writer) const override;
-    bool Validate(CSerializationContext const &context, CXmlGeneratedClass const *object, bool found,
-                  bool isRealElement) const override;
+                      CXmlWriter *writer) const override
+    {
+        return this->MandatoryWritten(Kind::ElementToXml(context, object, writer));
+    }
+    bool Validate(CSerializationContext const &, CXmlGeneratedClass const *, bool found,
+                  bool isRealElement) const override
+    {
+        return this->MandatoryFound(found, isRealElement);
+    }
 };
-
-extern template class CElementInfoMandatory<CElementInfoClass>;
-extern template class CElementInfoMandatory<CElementInfoSubstitution>;
-extern template class CElementInfoMandatory<CElementInfoAny>;
-extern template class CElementInfoMandatory<CElementInfoSimple>;
 
 } // namespace MxXmlLibData

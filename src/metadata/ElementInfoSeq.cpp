@@ -143,8 +143,7 @@ bool CElementInfoSeqClsOpt::ElementFromXml(CSerializationContext const &context,
 // ---------------------------------------------------------------------------
 // Enumerations and primitives
 
-// Inline, a primitive skips unknown elements in front when allowed, an
-// enumeration looks once; a miss is left to the parent.
+// Inline, a miss is left to the parent.
 bool CElementInfoSeqSimpleMnd::ElementFromXml(CSerializationContext const &context, CXmlGeneratedClass *object,
                                               CXmlElement *parent, CXmlElement **current, char const *,
                                               XmlElementType ownerType)
@@ -158,11 +157,21 @@ bool CElementInfoSeqSimpleMnd::ElementFromXml(CSerializationContext const &conte
     }
     while (!isThis(*current))
     {
-        if (!m_isPrimitive || !context.GetIgnoreUnknownElements() || *current == nullptr)
+        if (!SkipsUnknownInline() || !context.GetIgnoreUnknownElements() || *current == nullptr)
             return false;
         *current = (*current)->GetNextSiblingElement();
     }
     ReadValue(context, object, current);
+    return true;
+}
+
+bool CElementInfoSeqSimpleMnd::SkipsUnknownInline() const
+{
+    return false;
+}
+
+bool CElementInfoSeqPrimMnd::SkipsUnknownInline() const
+{
     return true;
 }
 

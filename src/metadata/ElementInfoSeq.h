@@ -31,10 +31,26 @@ protected:
 // The repeated kinds. Inline items of a class (elementType 1) write their
 // attributes on the parent's start tag; enumerations and primitives are
 // converted (and checked) by the collection.
-class CElementInfoSeqAbsClsCol : public CElementInfoSeqCol { using CElementInfoSeqCol::CElementInfoSeqCol; };
-class CElementInfoSeqClsCol : public CElementInfoSeqCol { using CElementInfoSeqCol::CElementInfoSeqCol; };
-class CElementInfoSeqEnumCol : public CElementInfoSeqCol { using CElementInfoSeqCol::CElementInfoSeqCol; };
-class CElementInfoSeqPrimCol : public CElementInfoSeqCol { using CElementInfoSeqCol::CElementInfoSeqCol; };
+class CElementInfoSeqAbsClsCol : public CElementInfoClassItems<CElementInfoSeqCol>
+{
+public:
+    using CElementInfoClassItems::CElementInfoClassItems;
+};
+class CElementInfoSeqClsCol : public CElementInfoClassItems<CElementInfoSeqCol>
+{
+public:
+    using CElementInfoClassItems::CElementInfoClassItems;
+};
+class CElementInfoSeqEnumCol : public CElementInfoSeqCol
+{
+public:
+    using CElementInfoSeqCol::CElementInfoSeqCol;
+};
+class CElementInfoSeqPrimCol : public CElementInfoSeqCol
+{
+public:
+    using CElementInfoSeqCol::CElementInfoSeqCol;
+};
 
 // Repeated xs:any into a CElementCol. Takes: under the name "AnyElement",
 // every element the collection's wildcard allows; under any other name, the
@@ -71,13 +87,23 @@ public:
 
 // A concrete class, exactly once, read into the object the property already
 // holds. Takes: its element (real), or what the inline object reads from
-// the parent's children. Throws: the missing-child failure in a real element.
+// the parent's children; `contentRequired` says that it must take
+// something. Throws: the missing-child failure in a real element.
 class CElementInfoSeqClsMnd : public CElementInfoMandatory<CElementInfoClass>
 {
 public:
-    using CElementInfoMandatory::CElementInfoMandatory;
+    CElementInfoSeqClsMnd(char const *name, char const *elementNamespace, int propertyIndex,
+                          XmlElementType elementType, CClassfactoryBase::FactoryByNumber factory, int classId,
+                          bool contentRequired)
+        : CElementInfoMandatory(name, elementNamespace, propertyIndex, elementType, factory, classId),
+          m_contentRequired(contentRequired)
+    {
+    }
     bool ElementFromXml(CSerializationContext const &context, CXmlGeneratedClass *object, CXmlElement *parent,
                         CXmlElement **current, char const *classNamespace, XmlElementType ownerType) override;
+
+protected:
+    bool m_contentRequired;
 
 private:
     // The inline child the property already holds reads from the parent's children.
@@ -96,20 +122,25 @@ public:
                         CXmlElement **current, char const *classNamespace, XmlElementType ownerType) override;
 };
 
-// Sequence rule for mandatory enumerations and primitives. Takes: its
-// element, skipping unknown ones in a real element when allowed; inline, a
-// primitive skips unknown elements in front when allowed, an enumeration
-// looks once. Throws: the missing-child failure in a real element.
+// Sequence rule for a mandatory enumeration or primitive. Takes: its
+// element, skipping unknown ones in a real element when allowed; inline, it
+// looks once unless the row skips unknown elements in front too. Throws: the
+// missing-child failure in a real element.
 class CElementInfoSeqSimpleMnd : public CElementInfoMandatory<CElementInfoSimple>
 {
 public:
     using CElementInfoMandatory::CElementInfoMandatory;
     bool ElementFromXml(CSerializationContext const &context, CXmlGeneratedClass *object, CXmlElement *parent,
                         CXmlElement **current, char const *classNamespace, XmlElementType ownerType) override;
+
+protected:
+    // Whether an inline owner's row skips unknown elements in front of its
+    // own, when the context allows it.
+    virtual bool SkipsUnknownInline() const;
 };
 
-// Sequence rule for optional enumerations and primitives. Takes: its element
-// when it stands at the cursor.
+// Sequence rule for an optional enumeration or primitive. Takes: its
+// element when it stands at the cursor.
 class CElementInfoSeqSimpleOpt : public CElementInfoSimple
 {
 public:
@@ -118,10 +149,33 @@ public:
                         CXmlElement **current, char const *classNamespace, XmlElementType ownerType) override;
 };
 
-class CElementInfoSeqEnumMnd : public CElementInfoSeqSimpleMnd { using CElementInfoSeqSimpleMnd::CElementInfoSeqSimpleMnd; };
-class CElementInfoSeqEnumOpt : public CElementInfoSeqSimpleOpt { using CElementInfoSeqSimpleOpt::CElementInfoSeqSimpleOpt; };
-class CElementInfoSeqPrimMnd : public CElementInfoSeqSimpleMnd { using CElementInfoSeqSimpleMnd::CElementInfoSeqSimpleMnd; };
-class CElementInfoSeqPrimOpt : public CElementInfoSeqSimpleOpt { using CElementInfoSeqSimpleOpt::CElementInfoSeqSimpleOpt; };
+// An enumeration looks once.
+class CElementInfoSeqEnumMnd : public CElementInfoSeqSimpleMnd
+{
+public:
+    using CElementInfoSeqSimpleMnd::CElementInfoSeqSimpleMnd;
+};
+
+// A primitive skips unknown elements in front of its own, inline too.
+class CElementInfoSeqPrimMnd : public CElementInfoSeqSimpleMnd
+{
+public:
+    using CElementInfoSeqSimpleMnd::CElementInfoSeqSimpleMnd;
+
+protected:
+    bool SkipsUnknownInline() const override;
+};
+
+class CElementInfoSeqEnumOpt : public CElementInfoSeqSimpleOpt
+{
+public:
+    using CElementInfoSeqSimpleOpt::CElementInfoSeqSimpleOpt;
+};
+class CElementInfoSeqPrimOpt : public CElementInfoSeqSimpleOpt
+{
+public:
+    using CElementInfoSeqSimpleOpt::CElementInfoSeqSimpleOpt;
+};
 
 // xs:any, exactly once, read into the CElement the property holds. Takes:
 // the element at the cursor if its name fits and its namespace meets the
