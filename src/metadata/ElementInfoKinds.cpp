@@ -280,7 +280,7 @@ bool CElementInfoSimple::Validate(CSerializationContext const &, CXmlGeneratedCl
 }
 
 void CElementInfoSimple::ReadValue(CSerializationContext const &context, CXmlGeneratedClass *object,
-                                   CXmlElement **current)
+                                   CXmlElement **current) const
 {
     CXmlElement *e = *current;
     if (e == nullptr)

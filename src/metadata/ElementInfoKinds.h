@@ -211,7 +211,7 @@ public:
 protected:
     // Reads the element at the cursor, which is the row's, into the property
     // and moves past it; nothing at the end of the children.
-    void ReadValue(CSerializationContext const &context, CXmlGeneratedClass *object, CXmlElement **current);
+    void ReadValue(CSerializationContext const &context, CXmlGeneratedClass *object, CXmlElement **current) const;
 };
 
 // Mnd rows of any kind: writing an unset property raises "The Property [%s]
