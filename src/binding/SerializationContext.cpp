@@ -8,6 +8,18 @@
 namespace MxXmlLib
 {
 
+namespace
+{
+// Sets one of two ignore flags that exclude each other; `message` when the
+// other one is set already.
+void SetExclusiveIgnore(bool &flag, bool value, bool other, char const *message)
+{
+    if (value && other)
+        throw CMxInvalidStateException(message);
+    flag = value;
+}
+} // namespace
+
 CSerializationContext CSerializationContext::m_defaultContext;
 
 CSerializationContext::CSerializationContext()
@@ -19,42 +31,11 @@ CSerializationContext::CSerializationContext()
 {
 }
 
-CSerializationContext::CSerializationContext(CSerializationContext const &other) : CSerializationContext()
-{
-    *this = other;
-}
-
-CSerializationContext &CSerializationContext::operator=(CSerializationContext const &other)
-{
-    // The sub-contexts are shared, not cloned: a change through one context
-    // shows in the other. Sharing is counted, so either may go first.
-    m_fiContext = other.m_fiContext;
-    m_jsonContext = other.m_jsonContext;
-    if (this == &other)
-        return *this;
-    m_defaultNamespaceUri = other.m_defaultNamespaceUri;
-    m_writeTypeAttribute = other.m_writeTypeAttribute;
-    m_namespaceAliases = other.m_namespaceAliases;
-    m_additionalRootAttributes = other.m_additionalRootAttributes;
-    m_processingInstructions = other.m_processingInstructions;
-    m_inLineSchema = other.m_inLineSchema;
-    // The two ignore flags that exclude each other are copied as a pair, not
-    // through their setters.
-    m_ignoreInvalidCollectionCounts = other.m_ignoreInvalidCollectionCounts;
-    m_ignoreMissingChoice = other.m_ignoreMissingChoice;
-    m_ignoreMissingMandatoryElements = other.m_ignoreMissingMandatoryElements;
-    m_ignoreUnknownElements = other.m_ignoreUnknownElements;
-    m_ignoreUnknownAttributes = other.m_ignoreUnknownAttributes;
-    m_ignoreNamespaces = other.m_ignoreNamespaces;
-    m_schemaType = other.m_schemaType;
-    m_noOptionalAttributeDefaultOutput = other.m_noOptionalAttributeDefaultOutput;
-    m_writeDefaultElementValues = other.m_writeDefaultElementValues;
-    m_stripCDATA = other.m_stripCDATA;
-    m_indentChars = other.m_indentChars;
-    m_reuseCompiledPatterns = other.m_reuseCompiledPatterns;
-    return *this;
-}
-
+// The sub-contexts are shared, not cloned: a change through one context
+// shows in the other. The two ignore flags that exclude each other are
+// copied as a pair, not through their setters.
+CSerializationContext::CSerializationContext(CSerializationContext const &) = default;
+CSerializationContext &CSerializationContext::operator=(CSerializationContext const &) = default;
 CSerializationContext::~CSerializationContext() = default;
 
 CFastInfosetContext &CSerializationContext::GetFIContext() const
@@ -95,22 +76,18 @@ void CSerializationContext::SetInLineSchema(char const *text)
 
 void CSerializationContext::SetIgnoreMissingMandatoryElements(bool value)
 {
-    if (value && m_ignoreUnknownElements)
-        throw CMxInvalidStateException(
-            "The parser can only ignore additional elements, or ignore the fact that some required ones are "
-            "missing, you can not ignore both\nSet IgnoreUnknownElements to false before setting "
-            "IgnoreMissingMandatoryElements to true");
-    m_ignoreMissingMandatoryElements = value;
+    SetExclusiveIgnore(m_ignoreMissingMandatoryElements, value, m_ignoreUnknownElements,
+                       "The parser can only ignore additional elements, or ignore the fact that some required ones "
+                       "are missing, you can not ignore both\nSet IgnoreUnknownElements to false before setting "
+                       "IgnoreMissingMandatoryElements to true");
 }
 
 void CSerializationContext::SetIgnoreUnknownElements(bool value)
 {
-    if (value && m_ignoreMissingMandatoryElements)
-        throw CMxInvalidStateException(
-            "The parser can only ignore additional elements, or ignore the fact that some required ones are "
-            "missing, you can not ignore both\nSet IgnoreMissingMandatoryElements to false before setting "
-            "IgnoreUnknownElements to true");
-    m_ignoreUnknownElements = value;
+    SetExclusiveIgnore(m_ignoreUnknownElements, value, m_ignoreMissingMandatoryElements,
+                       "The parser can only ignore additional elements, or ignore the fact that some required ones "
+                       "are missing, you can not ignore both\nSet IgnoreMissingMandatoryElements to false before "
+                       "setting IgnoreUnknownElements to true");
 }
 
 void CSerializationContext::SetIndentChars(char const *text)

@@ -21,8 +21,8 @@ class CSerializationContext
 {
 public:
     CSerializationContext();
-    CSerializationContext(CSerializationContext const &other);
-    CSerializationContext &operator=(CSerializationContext const &other);
+    CSerializationContext(CSerializationContext const &);
+    CSerializationContext &operator=(CSerializationContext const &);
     virtual ~CSerializationContext();
 
     // The process-wide default, for callers without options of their own.

@@ -22,6 +22,24 @@ CMXCriticalSection CXmlGeneratedClass::m_csInit;
 
 namespace
 {
+
+// What a reading pass asks of its class once per element rather than once
+// per row and pass: the rows, their count and the class's namespace.
+struct ClassRows
+{
+    CElementInfo **rows;
+    int count;
+    std::string classNamespace;
+};
+ClassRows RowsToRead(CXmlGeneratedClass &owner)
+{
+    CElementInfo **rows = owner.GetClassElementInfo();
+    int count = 0;
+    while (rows && rows[count])
+        ++count;
+    return {rows, count, owner.GetNamespace()};
+}
+
 bool EqualsIgnoringCase(std::string const &a, char const *b)
 {
     if (a.size() != std::strlen(b))
@@ -281,10 +299,7 @@ CXmlElement *CXmlGeneratedClass::ProcessElementSeqFromXml(CSerializationContext 
                                                           CXmlElement *element, CXmlElement *cursor,
                                                           XmlElementType type)
 {
-    CElementInfo **rows = GetClassElementInfo();
-    int const count = GetClassElementInfoCount();
-    // Asked once per element rather than once per row and pass.
-    std::string const classNamespace = GetNamespace();
+    auto const [rows, count, classNamespace] = RowsToRead(*this);
     CXmlElement *const start = cursor;
     int i = 0;
     int lastTaken = 0;
@@ -319,10 +334,7 @@ CXmlElement *CXmlGeneratedClass::ProcessElementChoiceFromXml(CSerializationConte
                                                              CXmlElement *element, CXmlElement *cursor,
                                                              XmlElementType type, bool optionalChoice)
 {
-    CElementInfo **rows = GetClassElementInfo();
-    int const count = GetClassElementInfoCount();
-    // Asked once per element rather than once per row and pass.
-    std::string const classNamespace = GetNamespace();
+    auto const [rows, count, classNamespace] = RowsToRead(*this);
     CXmlElement *const start = cursor;
     bool matched = false;
     bool const ignoreUnknown = context.GetIgnoreUnknownElements();
@@ -370,10 +382,7 @@ CXmlElement *CXmlGeneratedClass::ProcessElementAllFromXml(CSerializationContext 
                                                           CXmlElement *element, CXmlElement *cursor,
                                                           XmlElementType type)
 {
-    CElementInfo **rows = GetClassElementInfo();
-    int const count = GetClassElementInfoCount();
-    // Asked once per element rather than once per row and pass.
-    std::string const classNamespace = GetNamespace();
+    auto const [rows, count, classNamespace] = RowsToRead(*this);
     CXmlElement *const start = cursor;
     bool local[32] = {};
     std::unique_ptr<bool[]> heap(count > 32 ? new bool[count]() : nullptr);
@@ -398,15 +407,6 @@ CXmlElement *CXmlGeneratedClass::ProcessElementAllFromXml(CSerializationContext 
 
 // ---------------------------------------------------------------------------
 // Helpers
-
-int CXmlGeneratedClass::GetClassElementInfoCount() const
-{
-    CElementInfo **rows = Self()->GetClassElementInfo();
-    int count = 0;
-    while (rows && rows[count])
-        ++count;
-    return count;
-}
 
 // One optional alternative, or one collection that may be empty, makes the
 // whole choice optional.

@@ -76,7 +76,6 @@ private:
     // The table functions are not const in the generated interface; the
     // tables themselves never change once built.
     CXmlGeneratedClass *Self() const { return const_cast<CXmlGeneratedClass *>(this); }
-    int GetClassElementInfoCount() const;
     CXmlElement *ProcessElementSeqFromXml(CSerializationContext const &context, CXmlElement *element,
                                           CXmlElement *cursor, MxXmlLibData::XmlElementType type);
     CXmlElement *ProcessElementChoiceFromXml(CSerializationContext const &context, CXmlElement *element,

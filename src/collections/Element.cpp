@@ -62,28 +62,9 @@ CElement::CElement(CXmlObjectBase *object, char const *defaultNamespace)
     CopyXmlElement(document.GetDocumentElement());
 }
 
-CElement::CElement(CElement const &other)
-    : CXmlObjectBase(other), CInstanceMonitor(other), m_name(other.m_name), m_text(other.m_text),
-      m_namespace(other.m_namespace), m_namespaceRestriction(other.m_namespaceRestriction),
-      m_targetNamespace(other.m_targetNamespace), m_attributes(other.m_attributes),
-      m_childElements(other.m_childElements), m_defaultNamespace(other.m_defaultNamespace)
-{
-}
-
-CElement &CElement::operator=(CElement const &other)
-{
-    CXmlObjectBase::operator=(other);
-    m_name = other.m_name;
-    m_text = other.m_text;
-    m_namespace = other.m_namespace;
-    m_namespaceRestriction = other.m_namespaceRestriction;
-    m_targetNamespace = other.m_targetNamespace;
-    m_attributes = other.m_attributes;
-    m_childElements = other.m_childElements;
-    m_defaultNamespace = other.m_defaultNamespace;
-    return *this;
-}
-
+// Copies share the attribute and child collections.
+CElement::CElement(CElement const &) = default;
+CElement &CElement::operator=(CElement const &) = default;
 CElement::~CElement() = default;
 
 void CElement::Init(char const *name, char const *namespaceUri, char const *namespaceRestriction,
@@ -163,40 +144,36 @@ void CElement::FromStrictJsonTranslation(CBinaryData const &xml, CSerializationC
     FromXml_Int(root, root, context, false);
 }
 
-void CElement::FromJson(char const *text, CSerializationContext const &context)
+template <typename Load> void CElement::FromStrictJson(Load load, CSerializationContext const &context)
 {
-    if (!context.GetJsonContext().IsStrict())
-    {
-        CXmlObjectBase::FromJson(text, context);
-        return;
-    }
     CheckVersion();
     CXmlDocument translation(context);
-    FromStrictJsonTranslation(translation.LoadJson(text), context);
+    FromStrictJsonTranslation(load(translation), context);
+}
+
+void CElement::FromJson(char const *text, CSerializationContext const &context)
+{
+    if (context.GetJsonContext().IsStrict())
+        FromStrictJson([text](CXmlDocument &document) { return document.LoadJson(text); }, context);
+    else
+        CXmlObjectBase::FromJson(text, context);
 }
 
 void CElement::FromJsonStream(unsigned char *const bytes, unsigned long length, CSerializationContext const &context)
 {
-    if (!context.GetJsonContext().IsStrict())
-    {
+    if (context.GetJsonContext().IsStrict())
+        FromStrictJson([bytes, length](CXmlDocument &document) { return document.LoadJsonStream(bytes, length); },
+                       context);
+    else
         CXmlObjectBase::FromJsonStream(bytes, length, context);
-        return;
-    }
-    CheckVersion();
-    CXmlDocument translation(context);
-    FromStrictJsonTranslation(translation.LoadJsonStream(bytes, length), context);
 }
 
 void CElement::FromJsonFile(char const *fileName, CSerializationContext const &context)
 {
-    if (!context.GetJsonContext().IsStrict())
-    {
+    if (context.GetJsonContext().IsStrict())
+        FromStrictJson([fileName](CXmlDocument &document) { return document.LoadJsonFile(fileName); }, context);
+    else
         CXmlObjectBase::FromJsonFile(fileName, context);
-        return;
-    }
-    CheckVersion();
-    CXmlDocument translation(context);
-    FromStrictJsonTranslation(translation.LoadJsonFile(fileName), context);
 }
 
 void CElement::CopyXmlElement(CXmlElement *source)

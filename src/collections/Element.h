@@ -108,6 +108,9 @@ protected:
     void FireOnChangeText() {}
 
 private:
+    // Reads strict JSON: `load` translates it to XML in a document of the
+    // context (LoadJson, LoadJsonStream or LoadJsonFile).
+    template <typename Load> void FromStrictJson(Load load, CSerializationContext const &context);
     // Reads the XML translation of strict JSON, document element included.
     void FromStrictJsonTranslation(CBinaryData const &xml, CSerializationContext const &context);
     void ToXmlWithDefaultNamespace(CXmlWriter *writer, CSerializationContext const &context,

@@ -123,6 +123,17 @@ void CElementCol::ToXml_Int(CXmlWriter *writer, bool, char const *namespaceUri,
     }
 }
 
+bool CElementCol::ReadItem(CElement *item, CXmlElement *parent, CXmlElement *&at,
+                           CSerializationContext const &context)
+{
+    CXmlElement *const next = CXmlObjectBase::FromXml_Int(item, parent, at, context);
+    if (next == at)
+        return false;
+    Add(item);
+    at = next;
+    return true;
+}
+
 CXmlElement *CElementCol::FromXml_Int(CXmlElement *parent, CXmlElement *current,
                                       CSerializationContext const &context, bool)
 {
@@ -134,11 +145,8 @@ CXmlElement *CElementCol::FromXml_Int(CXmlElement *parent, CXmlElement *current,
             return e;
         CSmartPtr<CElement> item(new CElement(e->GetLocalName().c_str(), namespaceUri.c_str(),
                                               m_namespaceRestriction.c_str(), m_targetNamespace.c_str()));
-        CXmlElement *next = CXmlObjectBase::FromXml_Int(item, parent, e, context);
-        if (next == e)
+        if (!ReadItem(item, parent, e, context))
             return e;
-        Add(item);
-        e = next;
     }
     return e;
 }
@@ -151,11 +159,8 @@ CXmlElement *CElementCol::FromXmlLockElementName_Int(std::string name, std::stri
     {
         CSmartPtr<CElement> item(
             new CElement(e->GetLocalName().c_str(), e->GetNamespaceURI().c_str(), kAny, m_targetNamespace.c_str()));
-        CXmlElement *next = CXmlObjectBase::FromXml_Int(item, parent, e, context);
-        if (next == e)
+        if (!ReadItem(item, parent, e, context))
             return e;
-        Add(item);
-        e = next;
     }
     return e;
 }

@@ -64,6 +64,10 @@ protected:
                              bool optionalChoice) override;
 
 private:
+    // Lets `item` read `at` and adds it when it took something, moving `at`
+    // past what it took; false when it took nothing.
+    bool ReadItem(CElement *item, CXmlElement *parent, CXmlElement *&at, CSerializationContext const &context);
+
     std::string m_namespaceRestriction;
     std::string m_itemNamespace;
     std::string m_targetNamespace;

@@ -93,26 +93,14 @@ void CXmlCollection::PrependItem(CXmlObjectBase *item)
 
 void CXmlCollection::AddAfterItem(CXmlObjectBase const *existing, CXmlObjectBase *item)
 {
-    if (existing == nullptr)
-    {
-        PrependItem(item);
-        return;
-    }
     FireOnCollectionAdd(item);
-    CNode *node = GetNodeForItem(existing);
-    Link(node->next, item);
+    Link(existing ? GetNodeForItem(existing)->next : m_chain->first, item);
 }
 
 void CXmlCollection::AddBeforeItem(CXmlObjectBase const *existing, CXmlObjectBase *item)
 {
-    if (existing == nullptr)
-    {
-        AppendItem(item);
-        return;
-    }
     FireOnCollectionAdd(item);
-    CNode *node = GetNodeForItem(existing);
-    Link(node, item);
+    Link(existing ? GetNodeForItem(existing) : nullptr, item);
 }
 
 void CXmlCollection::AddItemAt(int index, CXmlObjectBase *item)

@@ -17,22 +17,8 @@ CXmlCollectionBase::CXmlCollectionBase(char const *elementName, char const *name
     SetElementName(elementName);
 }
 
-CXmlCollectionBase::CXmlCollectionBase(CXmlCollectionBase const &other)
-    : CXmlObjectBase(other), m_namespace(other.m_namespace), m_listeners(other.m_listeners),
-      m_minOccurs(other.m_minOccurs), m_maxOccurs(other.m_maxOccurs)
-{
-}
-
-CXmlCollectionBase &CXmlCollectionBase::operator=(CXmlCollectionBase const &other)
-{
-    CXmlObjectBase::operator=(other);
-    m_namespace = other.m_namespace;
-    m_listeners = other.m_listeners;
-    m_minOccurs = other.m_minOccurs;
-    m_maxOccurs = other.m_maxOccurs;
-    return *this;
-}
-
+CXmlCollectionBase::CXmlCollectionBase(CXmlCollectionBase const &) = default;
+CXmlCollectionBase &CXmlCollectionBase::operator=(CXmlCollectionBase const &) = default;
 CXmlCollectionBase::~CXmlCollectionBase() = default;
 
 std::string CXmlCollectionBase::GetTargetNamespace() const

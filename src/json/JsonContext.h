@@ -13,8 +13,6 @@ class CJsonContext
 {
 public:
     CJsonContext();
-    CJsonContext(CJsonContext const &other);
-    CJsonContext &operator=(CJsonContext const &other);
     virtual ~CJsonContext();
 
     JsonRoundTrip GetSupportRoundtrip() const { return m_supportRoundtrip; }

@@ -1,6 +1,7 @@
 #include "json/JsonStrictReader.h"
 
 #include "document/XmlDocument.h"
+#include "runtime/CharClass.h"
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
 
@@ -14,11 +15,6 @@ namespace MxXmlLib
 namespace
 {
 char const kXsiNamespace[] = "http://www.w3.org/2001/XMLSchema-instance";
-
-bool IsDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
 
 bool IsNameStart(unsigned char c)
 {

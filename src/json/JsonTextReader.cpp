@@ -1,5 +1,6 @@
 #include "json/JsonTextReader.h"
 
+#include "runtime/CharClass.h"
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
 #include "values/BinaryData.h"
@@ -11,16 +12,6 @@ namespace MxXmlLib
 
 namespace
 {
-bool IsWhitespace(char c)
-{
-    return c == '\t' || c == '\r' || c == ' ' || c == '\n';
-}
-
-bool IsDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
 // Handlers see values as C strings: text after a zero byte is cut off.
 std::string const &UpToZero(std::string &text)
 {
@@ -77,7 +68,7 @@ void CJsonTextReader::NextToken()
         {
             if (!ReadByte())
                 return;
-        } while (IsWhitespace(m_current));
+        } while (IsBlank(m_current));
         if (!m_allowComments || m_current != '/' || !SkipComment() || m_atEof)
             return;
     }
@@ -176,15 +167,15 @@ void CJsonTextReader::ParseValue(std::int32_t depth)
         m_handler->OnString(UpToZero(text));
         break;
     case 'n':
-        ParseNull();
+        ParseWord("ull", 3, "NULL");
         m_handler->OnNull();
         break;
     case 't':
-        ParseTrue();
+        ParseWord("rue", 3, "true");
         m_handler->OnBoolean(true);
         break;
     case 'f':
-        ParseFalse();
+        ParseWord("alse", 4, "false");
         m_handler->OnBoolean(false);
         break;
     case '-':
@@ -210,15 +201,9 @@ void CJsonTextReader::ParseValue(std::int32_t depth)
 
 void CJsonTextReader::ParseObject(std::int32_t depth)
 {
-    NextToken();
-    if (m_atEof)
-        Fail(FormatString("Unexpected End of File. Expected Object terminator character '}}' at line %d, position %d.",
-                          m_line, m_position));
-    if (m_current == '}')
-    {
-        NextToken();
+    // The message of an empty object's end of text shows the brace twice.
+    if (OpenMembers('}', "Object", "}}"))
         return;
-    }
     std::string name;
     for (;;)
     {
@@ -239,55 +224,60 @@ void CJsonTextReader::ParseObject(std::int32_t depth)
             Fail(FormatString("Unexpected End of File. Expected Object Value at line %d, position %d.", m_line,
                               m_position));
         ParseValue(depth);
-        if (m_atEof)
-            Fail(FormatString("Unexpected End of File. Expected Object terminator character '}' at line %d, position %d.",
-                              m_line, m_position));
-        if (m_current == '}')
-        {
-            NextToken();
+        if (EndOfMembers('}', "Object"))
             return;
-        }
-        if (m_current != ',')
-            Fail(FormatString("Expected Object separator character ',', found '%c' at line %d, position %d.", m_current,
-                              m_line, m_position));
-        NextToken();
-        if (m_atEof)
-            Fail(FormatString("Unexpected End of File. Expected Object terminator character '}' at line %d, position %d.",
-                              m_line, m_position));
     }
 }
 
 void CJsonTextReader::ParseArray(std::int32_t depth)
 {
-    NextToken();
-    if (m_atEof)
-        Fail(FormatString("Unexpected End of File. Expected Array terminator character ']' at line %d, position %d.",
-                          m_line, m_position));
-    if (m_current == ']')
-    {
-        NextToken();
+    if (OpenMembers(']', "Array", "]"))
         return;
-    }
     for (;;)
     {
         // A trailing comma reaches here and fails as a missing value.
         ParseValue(depth);
-        if (m_atEof)
-            Fail(FormatString("Unexpected End of File. Expected Array terminator character ']' at line %d, position %d.",
-                              m_line, m_position));
-        if (m_current == ']')
-        {
-            NextToken();
+        if (EndOfMembers(']', "Array"))
             return;
-        }
-        if (m_current != ',')
-            Fail(FormatString("Expected Array separator character ',', found '%c' at line %d, position %d.", m_current,
-                              m_line, m_position));
-        NextToken();
-        if (m_atEof)
-            Fail(FormatString("Unexpected End of File. Expected Array terminator character ']' at line %d, position %d.",
-                              m_line, m_position));
     }
+}
+
+// Past the opening character: true, past the terminator too, when the
+// object or array is empty. `kind` and `shownTerminator` name it in the
+// message.
+bool CJsonTextReader::OpenMembers(char terminator, char const *kind, char const *shownTerminator)
+{
+    NextToken();
+    if (m_atEof)
+        Fail(FormatString("Unexpected End of File. Expected %s terminator character '%s' at line %d, position %d.",
+                          kind, shownTerminator, m_line, m_position));
+    if (m_current != terminator)
+        return false;
+    NextToken();
+    return true;
+}
+
+// After a member: true past the terminator, false past a separator with a
+// member to follow. `kind` and `terminator` name the object or array in the
+// messages.
+bool CJsonTextReader::EndOfMembers(char terminator, char const *kind)
+{
+    if (m_atEof)
+        Fail(FormatString("Unexpected End of File. Expected %s terminator character '%c' at line %d, position %d.",
+                          kind, terminator, m_line, m_position));
+    if (m_current == terminator)
+    {
+        NextToken();
+        return true;
+    }
+    if (m_current != ',')
+        Fail(FormatString("Expected %s separator character ',', found '%c' at line %d, position %d.", kind, m_current,
+                          m_line, m_position));
+    NextToken();
+    if (m_atEof)
+        Fail(FormatString("Unexpected End of File. Expected %s terminator character '%c' at line %d, position %d.",
+                          kind, terminator, m_line, m_position));
+    return false;
 }
 
 void CJsonTextReader::ParseString(std::string &out)
@@ -365,17 +355,22 @@ void CJsonTextReader::AppendDigits(std::string &out)
     }
 }
 
+void CJsonTextReader::TakeIntoNumber(std::string &out, char const *expected)
+{
+    out += m_current;
+    NextChar();
+    if (m_atEof)
+        Fail(FormatString("Unexpected End of File. Expected %s at line %d, position %d.", expected, m_line,
+                          m_position));
+}
+
 void CJsonTextReader::ParseNumber(std::string &out)
 {
     // The digits are kept as they stand; nothing converts them.
     out.clear();
     if (m_current == '-')
     {
-        out += '-';
-        NextChar();
-        if (m_atEof)
-            Fail(FormatString("Unexpected End of File. Expected a number at line %d, position %d.", m_line,
-                              m_position));
+        TakeIntoNumber(out, "a number");
     }
     if (m_current == '0')
     {
@@ -391,11 +386,7 @@ void CJsonTextReader::ParseNumber(std::string &out)
         return;
     if (m_current == '.')
     {
-        out += '.';
-        NextChar();
-        if (m_atEof)
-            Fail(FormatString("Unexpected End of File. Expected a digit '0' to '9' at line %d, position %d.", m_line,
-                              m_position));
+        TakeIntoNumber(out, "a digit '0' to '9'");
         if (!IsDigit(m_current))
             Fail(FormatString("Expected a digit '0' to '9', found '%c' at line %d, position %d.", m_current, m_line,
                               m_position));
@@ -405,18 +396,10 @@ void CJsonTextReader::ParseNumber(std::string &out)
     }
     if (m_current == 'e' || m_current == 'E')
     {
-        out += m_current;
-        NextChar();
-        if (m_atEof)
-            Fail(FormatString("Unexpected End of File. Expected '+', '-' or a number at line %d, position %d.", m_line,
-                              m_position));
+        TakeIntoNumber(out, "'+', '-' or a number");
         if (m_current == '+' || m_current == '-')
         {
-            out += m_current;
-            NextChar();
-            if (m_atEof)
-                Fail(FormatString("Unexpected End of File. Expected a number at line %d, position %d.", m_line,
-                                  m_position));
+            TakeIntoNumber(out, "a number");
         }
         // The words of the end of the text, though it has not ended.
         if (!IsDigit(m_current))
@@ -426,62 +409,20 @@ void CJsonTextReader::ParseNumber(std::string &out)
         if (m_atEof)
             return;
     }
-    if (IsWhitespace(m_current))
+    if (IsBlank(m_current))
         NextToken();
 }
 
-CJsonTextReader::WordMatch CJsonTextReader::ReadWord(char const *rest, std::size_t length)
+void CJsonTextReader::ParseWord(char const *rest, std::size_t length, char const *word)
 {
     std::string taken;
     ReadBlock(length, taken);
     if (taken.size() < length)
-        return WordMatch::EndOfText;
+        Fail(FormatString("Unexpected End of File. Expected value '%s' at line %d, position %d.", word, m_line,
+                          m_position));
     if (std::memcmp(taken.data(), rest, length) != 0)
-        return WordMatch::Mismatch;
+        Fail(FormatString("Expected '%s' at line %d, position %d.", word, m_line, m_position));
     NextToken();
-    return WordMatch::Matched;
-}
-
-void CJsonTextReader::ParseNull()
-{
-    switch (ReadWord("ull", 3))
-    {
-    case WordMatch::EndOfText:
-        Fail(FormatString("Unexpected End of File. Expected value 'NULL' at line %d, position %d.", m_line,
-                          m_position));
-    case WordMatch::Mismatch:
-        Fail(FormatString("Expected 'NULL' at line %d, position %d.", m_line, m_position));
-    case WordMatch::Matched:
-        break;
-    }
-}
-
-void CJsonTextReader::ParseTrue()
-{
-    switch (ReadWord("rue", 3))
-    {
-    case WordMatch::EndOfText:
-        Fail(FormatString("Unexpected End of File. Expected value 'true' at line %d, position %d.", m_line,
-                          m_position));
-    case WordMatch::Mismatch:
-        Fail(FormatString("Expected 'true' at line %d, position %d.", m_line, m_position));
-    case WordMatch::Matched:
-        break;
-    }
-}
-
-void CJsonTextReader::ParseFalse()
-{
-    switch (ReadWord("alse", 4))
-    {
-    case WordMatch::EndOfText:
-        Fail(FormatString("Unexpected End of File. Expected value 'false' at line %d, position %d.", m_line,
-                          m_position));
-    case WordMatch::Mismatch:
-        Fail(FormatString("Expected 'false' at line %d, position %d.", m_line, m_position));
-    case WordMatch::Matched:
-        break;
-    }
 }
 
 } // namespace MxXmlLib

@@ -81,21 +81,19 @@ private:
     void ParseValue(std::int32_t depth);
     void ParseObject(std::int32_t depth);
     void ParseArray(std::int32_t depth);
+    // The steps around the members of an object or array.
+    bool OpenMembers(char terminator, char const *kind, char const *shownTerminator);
+    bool EndOfMembers(char terminator, char const *kind);
     void ParseString(std::string &out);
     void ParseNumber(std::string &out);
-    enum class WordMatch
-    {
-        Matched,
-        EndOfText,
-        Mismatch
-    };
-    // The rest of a literal after its first letter, by a block read.
-    WordMatch ReadWord(char const *rest, std::size_t length);
-    void ParseNull();
-    void ParseTrue();
-    void ParseFalse();
+    // The rest of a literal after its first letter, by a block read; `word`
+    // names the literal in the messages ('NULL', 'true', 'false').
+    void ParseWord(char const *rest, std::size_t length, char const *word);
     // Appends m_current and the digits that follow it.
     void AppendDigits(std::string &out);
+    // Appends m_current and reads on; the end of the text raises "Unexpected
+    // End of File. Expected <expected> ...".
+    void TakeIntoNumber(std::string &out, char const *expected);
 
     // Raises CMxValidationException with the message and the handler's path.
     [[noreturn]] void Fail(std::string const &message);

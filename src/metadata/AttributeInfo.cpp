@@ -2,6 +2,7 @@
 
 #include "binding/XmlGeneratedClass.h"
 #include "collections/AttributeCol.h"
+#include "metadata/ElementRowSteps.h"
 #include "metadata/NamespaceRules.h"
 #include "document/XmlDocument.h"
 #include "document/XmlWriter.h"
@@ -34,15 +35,7 @@ CAttributeInfo::CAttributeInfo(char const *name, char const *attributeNamespace,
 
 void CAttributeInfo::InvokePropertyGet(CXmlGeneratedClass *object, MxVariant &value) const
 {
-    try
-    {
-        object->AccessProperty(m_propertyIndex, true, value);
-    }
-    catch (CMxException const &e)
-    {
-        throw CMxValidationException(
-            FormatString("Failed to get the property value for [%s].", m_attributeName.c_str()), "", e);
-    }
+    RowSteps::GetProperty(object, m_propertyIndex, m_attributeName, value);
 }
 
 void CAttributeInfo::ReadProperty(CXmlGeneratedClass const *object, MxVariant &value) const

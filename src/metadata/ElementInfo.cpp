@@ -1,7 +1,6 @@
 #include "metadata/ElementInfo.h"
 
 #include "binding/XmlGeneratedClass.h"
-#include "collections/XmlCollectionBase.h"
 #include "document/XmlDocument.h"
 #include "document/XmlWriter.h"
 #include "runtime/FormatString.h"
@@ -110,15 +109,7 @@ void CElementInfo::CheckRestriction(MxVariant const &value) const
 
 void CElementInfo::InvokePropertyGet(CXmlGeneratedClass *object, MxVariant &value) const
 {
-    try
-    {
-        object->AccessProperty(m_propertyIndex, true, value);
-    }
-    catch (CMxException const &e)
-    {
-        throw CMxValidationException(
-            FormatString("Failed to get the property value for [%s].", m_elementName.c_str()), "", e);
-    }
+    RowSteps::GetProperty(object, m_propertyIndex, m_elementName, value);
 }
 
 void CElementInfo::InvokePropertySet(CXmlGeneratedClass *object, MxVariant &value, CXmlElement const &element) const
@@ -140,6 +131,13 @@ void CElementInfo::ReadProperty(CXmlGeneratedClass const *object, MxVariant &val
     InvokePropertyGet(const_cast<CXmlGeneratedClass *>(object), value);
 }
 
+MxVariant CElementInfo::ReadProperty(CXmlGeneratedClass const *object) const
+{
+    MxVariant value;
+    ReadProperty(object, value);
+    return value;
+}
+
 // ---------------------------------------------------------------------------
 // Matching
 
@@ -148,6 +146,16 @@ bool CElementInfo::IsThisElement(CSerializationContext const &context, CXmlEleme
     if (element == nullptr || element->GetLocalName() != m_elementName)
         return false;
     return context.GetIgnoreNamespaces() || element->GetNamespaceURI() == m_elementNamespace;
+}
+
+bool CElementInfo::MandatoryWritten(bool written) const
+{
+    return RowSteps::RequireWritten(written, m_elementName);
+}
+
+bool CElementInfo::MandatoryFound(bool found, bool isRealElement) const
+{
+    return RowSteps::ValidateMandatory(found, isRealElement, m_elementName);
 }
 
 std::string CElementInfo::GetAnyDefaultNamespace(char const *restriction, char const *classNamespace,
@@ -171,37 +179,6 @@ std::string CElementInfo::GetAnyDefaultNamespace(char const *restriction, char c
 // ---------------------------------------------------------------------------
 // Writing
 
-bool CElementInfo::ElementToXmlCls(CSerializationContext const &context, CXmlGeneratedClass const *object,
-                                   CXmlWriter *writer, bool optionalChoice) const
-{
-    MxVariant value;
-    ReadProperty(object, value);
-    CSmartPtr<CXmlObjectBase> child = value.GetXmlObject();
-    if (child.IsNull())
-        return false;
-    CXmlObjectBase::ToXml_Int(child, writer, false, m_elementNamespace.c_str(), context, optionalChoice);
-    return true;
-}
-
-bool CElementInfo::ElementToXmlCol(CSerializationContext const &context, CXmlGeneratedClass const *object,
-                                   CXmlWriter *writer) const
-{
-    MxVariant value;
-    ReadProperty(object, value);
-    CSmartPtr<CXmlCollectionBase> collection = value.GetXmlCollection();
-    if (collection.IsNull())
-        throw CMxException(FormatString("The collection property [%s] is not set.", m_elementName.c_str()));
-    if (collection->GetCount() <= 0)
-        return false;
-    using Context = CXmlWriter::CXmlWriterContext;
-    if (Context *current = writer->GetCurrentContext())
-        current->ArrayState = Context::ArrayPending;
-    CXmlObjectBase::ToXml_Int(collection->GetBase(), writer, false, m_elementNamespace.c_str(), context, false);
-    if (Context *current = writer->GetCurrentContext())
-        current->ArrayState = Context::ArrayClosing;
-    return true;
-}
-
 bool CElementInfo::WriteSimple(CSerializationContext const &context, CXmlWriter *writer, MxVariant const &value,
                                std::string const &text, ItemType type, bool checkFacets) const
 {
@@ -219,41 +196,6 @@ bool CElementInfo::WriteSimple(CSerializationContext const &context, CXmlWriter 
     writer->WriteText(text, type, isDefault);
     writer->EndElement();
     return true;
-}
-
-bool CElementInfo::ElementToXmlPrim(CSerializationContext const &context, CXmlGeneratedClass const *object,
-                                    CXmlWriter *writer) const
-{
-    MxVariant value;
-    ReadProperty(object, value);
-    if (value.IsNil())
-    {
-        writer->StartElement(m_elementName, m_elementNamespace);
-        writer->WriteNilAttribute();
-        writer->EndElement();
-        return true;
-    }
-    if (value.GetTypeAsEnum() == ItemType_None)
-        return false;
-    return WriteSimple(context, writer, value, value.ToString(m_format.c_str()), value.GetTypeAsEnum(), true);
-}
-
-bool CElementInfo::ElementToXmlEnum(CSerializationContext const &context, CXmlGeneratedClass const *object,
-                                    CXmlWriter *writer, EnumToString enumToString) const
-{
-    MxVariant value;
-    ReadProperty(object, value);
-    if (value.IsNil())
-    {
-        writer->StartElement(m_elementName, m_elementNamespace);
-        writer->WriteNilAttribute();
-        writer->EndElement();
-        return true;
-    }
-    if (value.GetTypeAsEnum() == ItemType_None)
-        return false;
-    char const *name = enumToString ? enumToString(value.GetI4()) : nullptr;
-    return WriteSimple(context, writer, value, Text(name), ItemType_string, false);
 }
 
 // ---------------------------------------------------------------------------
@@ -291,83 +233,10 @@ std::string const *CElementInfo::ReadSimpleText(CSerializationContext const &con
     return text.empty() && !m_defaultValue.empty() ? &m_defaultValue : &text;
 }
 
-void CElementInfo::ElementFromXmlPrim(CSerializationContext const &context, CXmlGeneratedClass *object,
-                                      CXmlElement **current)
-{
-    CXmlElement *e = *current;
-    if (e == nullptr)
-        return;
-    if (std::string const *text = ReadSimpleText(context, *e))
-    {
-        MxVariant value;
-        value.FromString(*text, m_itemType, m_whitespaceRule);
-        InvokePropertySet(object, value, *e);
-    }
-    *current = e->GetNextSiblingElement();
-}
-
-void CElementInfo::ElementFromXmlEnum(CSerializationContext const &context, CXmlGeneratedClass *object,
-                                      CXmlElement **current)
-{
-    CXmlElement *e = *current;
-    if (e == nullptr)
-        return;
-    if (std::string const *text = ReadSimpleText(context, *e))
-    {
-        MxVariant value;
-        value.SetI4(m_stringToEnum ? m_stringToEnum(text->c_str()) : 0);
-        InvokePropertySet(object, value, *e);
-    }
-    *current = e->GetNextSiblingElement();
-}
-
-void CElementInfo::CollectionAttributesToXml(XmlElementType elementType, CSerializationContext const &context,
-                                             CXmlGeneratedClass const *object, CXmlWriter *writer) const
-{
-    if (elementType != XmlElementType_PseudoElement)
-        return;
-    MxVariant value;
-    ReadProperty(object, value);
-    RowSteps::WriteItemAttributes(value, m_elementName, context, writer);
-}
-
-void CElementInfo::ChildAttributesToXml(XmlElementType elementType, CSerializationContext const &context,
-                                        CXmlGeneratedClass const *object, CXmlWriter *writer) const
-{
-    if (elementType != XmlElementType_PseudoElement)
-        return;
-    MxVariant value;
-    ReadProperty(object, value);
-    RowSteps::WriteChildAttributes(value, context, writer);
-}
-
 CXmlElement *CElementInfo::FromXml_Int(CXmlObjectBase *object, CXmlElement *element, CXmlElement *cursor,
                                        CSerializationContext const &context, bool optionalChoice) const
 {
     return CXmlObjectBase::FromXml_Int(object, element, cursor, context, optionalChoice);
-}
-
-bool CElementInfo::ReadAndStoreChild(CSerializationContext const &context, CXmlGeneratedClass *object,
-                                     CXmlElement *parent, CXmlElement **current, CXmlObjectBase *child,
-                                     bool ownElement) const
-{
-    CXmlElement *const at = *current;
-    CXmlElement *const next = ownElement ? RowSteps::ReadOwnElement(child, at, context, false)
-                                         : FromXml_Int(child, parent, at, context, false);
-    bool const took = ownElement || next != at;
-    if (took)
-    {
-        MxVariant cell = RowSteps::ObjectCell(child);
-        InvokePropertySet(object, cell, *parent);
-    }
-    *current = next;
-    return took;
-}
-
-void CElementInfo::AttributesToXml_Int(CXmlObjectBase const *object, CXmlWriter *writer,
-                                       CSerializationContext const &context) const
-{
-    CXmlObjectBase::AttributesToXml_Int(object, writer, context);
 }
 
 } // namespace MxXmlLibData

@@ -109,8 +109,9 @@ private:
     bool m_outputPrimitiveClassAsTextProperty;
 };
 
-// The base of all element rows: the shared steps (name match, reading and
-// writing a property of each kind, the facet check). Each row class adds only
+// The base of all element rows: the steps every kind shares (property
+// access, name match, simple text, the facet check). The kinds in
+// ElementInfoKinds.h add what their property holds; each row class adds only
 // its own decision of where the element may stand.
 class CElementInfo
 {
@@ -158,37 +159,24 @@ protected:
     void InvokePropertyGet(CXmlGeneratedClass *object, MxVariant &value) const;
     void InvokePropertySet(CXmlGeneratedClass *object, MxVariant &value, CXmlElement const &element) const;
     void ReadProperty(CXmlGeneratedClass const *object, MxVariant &value) const;
+    MxVariant ReadProperty(CXmlGeneratedClass const *object) const;
 
     bool IsThisElement(CSerializationContext const &context, CXmlElement const *element) const;
-    bool ElementToXmlCol(CSerializationContext const &context, CXmlGeneratedClass const *object,
-                         CXmlWriter *writer) const;
-    bool ElementToXmlCls(CSerializationContext const &context, CXmlGeneratedClass const *object,
-                         CXmlWriter *writer, bool optionalChoice) const;
-    bool ElementToXmlPrim(CSerializationContext const &context, CXmlGeneratedClass const *object,
-                          CXmlWriter *writer) const;
-    bool ElementToXmlEnum(CSerializationContext const &context, CXmlGeneratedClass const *object,
-                          CXmlWriter *writer, EnumToString enumToString) const;
-    void ElementFromXmlPrim(CSerializationContext const &context, CXmlGeneratedClass *object,
-                            CXmlElement **current);
-    void ElementFromXmlEnum(CSerializationContext const &context, CXmlGeneratedClass *object,
-                            CXmlElement **current);
+    // A mandatory row's answers: `written`, or the failure of an unset
+    // property; `found`, or the end of an inline owner's group (false), or
+    // the failure of a missing element of a real owner.
+    bool MandatoryWritten(bool written) const;
+    bool MandatoryFound(bool found, bool isRealElement) const;
     CXmlElement *FromXml_Int(CXmlObjectBase *object, CXmlElement *element, CXmlElement *cursor,
                              CSerializationContext const &context, bool optionalChoice) const;
-    // Reads a newly made `child` at the cursor, as an element of its own
-    // (`ownElement`) or inline from the parent's children, and stores it in
-    // the property when it took something. Moves the cursor past what it took
-    // and says whether it took anything; an own element always takes itself.
-    bool ReadAndStoreChild(CSerializationContext const &context, CXmlGeneratedClass *object, CXmlElement *parent,
-                           CXmlElement **current, CXmlObjectBase *child, bool ownElement) const;
-    void AttributesToXml_Int(CXmlObjectBase const *object, CXmlWriter *writer,
-                             CSerializationContext const &context) const;
-    // A collection of pseudo elements forwards the attributes of its items to
-    // the parent's element; other collections write none there.
-    void CollectionAttributesToXml(XmlElementType elementType, CSerializationContext const &context,
-                                   CXmlGeneratedClass const *object, CXmlWriter *writer) const;
-    // The same for a single child object of a pseudo element.
-    void ChildAttributesToXml(XmlElementType elementType, CSerializationContext const &context,
-                              CXmlGeneratedClass const *object, CXmlWriter *writer) const;
+    // The text of a simple element after its attributes are checked, or the
+    // default for an empty one; null when the element is nil (the property is
+    // then left alone). It points into the tree or this row: no copy.
+    std::string const *ReadSimpleText(CSerializationContext const &context, CXmlElement const &element) const;
+    // Writes a simple element of `text`, checking the value's facets first
+    // when `checkFacets` is set.
+    bool WriteSimple(CSerializationContext const &context, CXmlWriter *writer, MxVariant const &value,
+                     std::string const &text, ItemType type, bool checkFacets) const;
     // The namespace a new untyped element starts with, from an xs:any restriction.
     static std::string GetAnyDefaultNamespace(char const *restriction, char const *classNamespace,
                                               char const *targetNamespace);
@@ -207,14 +195,6 @@ protected:
     EnumToString m_enumToString;
     StringToEnum m_stringToEnum;
     bool m_isPrimitive;
-
-private:
-    // The text of a simple element after its attributes are checked, or the
-    // default for an empty one; null when the element is nil (the property is
-    // then left alone). It points into the tree or this row: no copy.
-    std::string const *ReadSimpleText(CSerializationContext const &context, CXmlElement const &element) const;
-    bool WriteSimple(CSerializationContext const &context, CXmlWriter *writer, MxVariant const &value, std::string const &text, ItemType type,
-                     bool checkFacets) const;
 };
 
 } // namespace MxXmlLibData

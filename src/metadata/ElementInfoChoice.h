@@ -6,23 +6,19 @@
 // whether a choice may stay empty is the driver's question. Class rows
 // store a new object before it reads.
 
-#include "metadata/ClassFactory.h"
-#include "metadata/ElementInfo.h"
+#include "metadata/ElementInfoKinds.h"
 
 namespace MxXmlLibData
 {
-
-using MxXmlLib::CClassfactoryBase;
 
 // Choice rule for collections. Takes: every matching element from the cursor
 // on. Answers false when it took none, or, inline, when the count is bad
 // (the cursor then stays). Throws: the count failure for a real owner.
 // Writes: the items, without a count check.
-class CElementInfoChoiceCol : public CElementInfo
+class CElementInfoChoiceCol : public CElementInfoCollection
 {
 public:
-    CElementInfoChoiceCol(char const *name, char const *elementNamespace, int propertyIndex);
-
+    using CElementInfoCollection::CElementInfoCollection;
     bool ElementToXml(CSerializationContext const &context, CXmlGeneratedClass const *object,
                       CXmlWriter *writer) const override;
     bool ElementFromXml(CSerializationContext const &context, CXmlGeneratedClass *object, CXmlElement *parent,
@@ -34,45 +30,28 @@ protected:
                     CXmlElement *next, XmlElementType ownerType) const;
 };
 
-// A repeated substitutable class. As CElementInfoChoiceCol; inline items
-// (elementType 1) write their attributes on the parent's start tag.
-class CElementInfoChoiceAbsClsCol : public CElementInfoChoiceCol
+// The repeated kinds. Inline items of a class (elementType 1) write their
+// attributes on the parent's start tag; enumerations and primitives are
+// converted (and checked) by the collection.
+class CElementInfoChoiceAbsClsCol : public CElementInfoClassItems<CElementInfoChoiceCol>
 {
 public:
-    CElementInfoChoiceAbsClsCol(char const *name, char const *elementNamespace, int propertyIndex,
-                                XmlElementType elementType);
-    void PseudoChildAttributeToXml(CSerializationContext const &context, CXmlGeneratedClass const *object,
-                                   CXmlWriter *writer) const override;
-
-protected:
-    XmlElementType m_elementType;
+    using CElementInfoClassItems::CElementInfoClassItems;
 };
-
-// A repeated concrete class. As CElementInfoChoiceAbsClsCol.
-class CElementInfoChoiceClsCol : public CElementInfoChoiceCol
+class CElementInfoChoiceClsCol : public CElementInfoClassItems<CElementInfoChoiceCol>
 {
 public:
-    CElementInfoChoiceClsCol(char const *name, char const *elementNamespace, int propertyIndex,
-                             XmlElementType elementType);
-    void PseudoChildAttributeToXml(CSerializationContext const &context, CXmlGeneratedClass const *object,
-                                   CXmlWriter *writer) const override;
-
-protected:
-    XmlElementType m_elementType;
+    using CElementInfoClassItems::CElementInfoClassItems;
 };
-
-// A repeated enumeration: the collection converts the items.
 class CElementInfoChoiceEnumCol : public CElementInfoChoiceCol
 {
 public:
-    CElementInfoChoiceEnumCol(char const *name, char const *elementNamespace, int propertyIndex);
+    using CElementInfoChoiceCol::CElementInfoChoiceCol;
 };
-
-// A repeated primitive: the collection converts and checks the items.
 class CElementInfoChoicePrimCol : public CElementInfoChoiceCol
 {
 public:
-    CElementInfoChoicePrimCol(char const *name, char const *elementNamespace, int propertyIndex);
+    using CElementInfoChoiceCol::CElementInfoChoiceCol;
 };
 
 // Repeated xs:any into a CElementCol. Takes: under "AnyElement", what the
@@ -81,101 +60,56 @@ public:
 class CElementInfoChoiceUntpdCol : public CElementInfoChoiceCol
 {
 public:
-    CElementInfoChoiceUntpdCol(char const *name, char const *elementNamespace, int propertyIndex);
+    using CElementInfoChoiceCol::CElementInfoChoiceCol;
     bool ElementFromXml(CSerializationContext const &context, CXmlGeneratedClass *object, CXmlElement *parent,
                         CXmlElement **current, char const *classNamespace, XmlElementType ownerType) override;
 };
 
 // A substitutable class. Takes: the element of the row's name. Stores: what
-// the factory makes for it, even null (which answers false). Writes: the
-// object when set.
-class CElementInfoChoiceAbsClsOpt : public CElementInfo
+// the factory makes for it, even null (which answers false).
+class CElementInfoChoiceAbsClsOpt : public CElementInfoSubstitution
 {
 public:
-    CElementInfoChoiceAbsClsOpt(char const *name, char const *elementNamespace, int propertyIndex,
-                                XmlElementType elementType, CClassfactoryBase::FactoryByElement factory);
-
-    bool ElementToXml(CSerializationContext const &context, CXmlGeneratedClass const *object,
-                      CXmlWriter *writer) const override;
+    using CElementInfoSubstitution::CElementInfoSubstitution;
     bool ElementFromXml(CSerializationContext const &context, CXmlGeneratedClass *object, CXmlElement *parent,
                         CXmlElement **current, char const *classNamespace, XmlElementType ownerType) override;
-    void PseudoChildAttributeToXml(CSerializationContext const &context, CXmlGeneratedClass const *object,
-                                  CXmlWriter *writer) const override;
-
-protected:
-    XmlElementType m_elementType;
-    CClassfactoryBase::FactoryByElement m_factory;
 };
 
 // A concrete class. Takes: its element, or, inline, what a new object reads
 // from the cursor on. Stores: the new object first; an inline one that took
 // nothing is cleared again. Writes: the object when set, letting a child
 // choice stay empty.
-class CElementInfoChoiceClsOpt : public CElementInfo
+class CElementInfoChoiceClsOpt : public CElementInfoClass
 {
 public:
-    CElementInfoChoiceClsOpt(char const *name, char const *elementNamespace, int propertyIndex,
-                             XmlElementType elementType, CClassfactoryBase::FactoryByNumber factory, int classId);
-
-    bool ElementToXml(CSerializationContext const &context, CXmlGeneratedClass const *object,
-                      CXmlWriter *writer) const override;
-    bool ElementFromXml(CSerializationContext const &context, CXmlGeneratedClass *object, CXmlElement *parent,
-                        CXmlElement **current, char const *classNamespace, XmlElementType ownerType) override;
-    void PseudoChildAttributeToXml(CSerializationContext const &context, CXmlGeneratedClass const *object,
-                                   CXmlWriter *writer) const override;
-
-protected:
-    XmlElementType m_elementType;
-    CClassfactoryBase::FactoryByNumber m_factory;
-    int m_classId;
-};
-
-// An enumeration. Takes: its element at the cursor. Stores: the value as
-// i4. Writes: the name when set.
-class CElementInfoChoiceEnumOpt : public CElementInfo
-{
-public:
-    CElementInfoChoiceEnumOpt(char const *name, char const *elementNamespace, int propertyIndex, bool nillable,
-                              EnumToString enumToString, StringToEnum stringToEnum, char const *defaultValue);
-
+    using CElementInfoClass::CElementInfoClass;
     bool ElementToXml(CSerializationContext const &context, CXmlGeneratedClass const *object,
                       CXmlWriter *writer) const override;
     bool ElementFromXml(CSerializationContext const &context, CXmlGeneratedClass *object, CXmlElement *parent,
                         CXmlElement **current, char const *classNamespace, XmlElementType ownerType) override;
 };
 
-// A primitive. Takes: its element at the cursor. Stores: the converted
-// text. Writes: the text when set, after the facets.
-class CElementInfoChoicePrimOpt : public CElementInfo
+// Enumerations and primitives take their element at the cursor.
+class CElementInfoChoiceEnumOpt : public CElementInfoSimple
 {
 public:
-    CElementInfoChoicePrimOpt(char const *name, char const *elementNamespace, int propertyIndex, bool nillable,
-                              ItemType itemType, char const *format, CWhitespaceUtils::WhitespaceRule whitespaceRule,
-                              CPrimitiveRestrictions const &restrictions, char const *defaultValue);
-
-    bool ElementToXml(CSerializationContext const &context, CXmlGeneratedClass const *object,
-                      CXmlWriter *writer) const override;
-    bool ElementFromXml(CSerializationContext const &context, CXmlGeneratedClass *object, CXmlElement *parent,
-                        CXmlElement **current, char const *classNamespace, XmlElementType ownerType) override;
+    using CElementInfoSimple::CElementInfoSimple;
+};
+class CElementInfoChoicePrimOpt : public CElementInfoSimple
+{
+public:
+    using CElementInfoSimple::CElementInfoSimple;
 };
 
 // xs:any. Takes: the element at the cursor if its name fits and the
 // wildcard allows it. Stores: a new CElement; when it took nothing, the
-// property is cleared. Writes: the element when set.
-class CElementInfoChoiceUntpdOpt : public CElementInfo
+// property is cleared.
+class CElementInfoChoiceUntpdOpt : public CElementInfoAny
 {
 public:
-    CElementInfoChoiceUntpdOpt(char const *name, char const *elementNamespace, int propertyIndex,
-                               char const *namespaceRestriction, char const *targetNamespace);
-
-    bool ElementToXml(CSerializationContext const &context, CXmlGeneratedClass const *object,
-                      CXmlWriter *writer) const override;
+    using CElementInfoAny::CElementInfoAny;
     bool ElementFromXml(CSerializationContext const &context, CXmlGeneratedClass *object, CXmlElement *parent,
                         CXmlElement **current, char const *classNamespace, XmlElementType ownerType) override;
-
-protected:
-    std::string m_namespaceRestriction;
-    std::string m_targetNamespace;
 };
 
 } // namespace MxXmlLibData

@@ -1,5 +1,6 @@
 #include "metadata/ElementRowSteps.h"
 
+#include "binding/XmlGeneratedClass.h"
 #include "binding/XmlObjectBase.h"
 #include "collections/Element.h"
 #include "collections/ElementCol.h"
@@ -14,6 +15,19 @@ namespace RowSteps
 {
 
 using namespace MxXmlLib;
+
+void GetProperty(CXmlGeneratedClass *object, int index, std::string const &name, MxVariant &value)
+{
+    try
+    {
+        object->AccessProperty(index, true, value);
+    }
+    catch (CMxException const &e)
+    {
+        throw CMxValidationException(FormatString("Failed to get the property value for [%s].", name.c_str()), "",
+                                     e);
+    }
+}
 
 CSmartPtr<CXmlObjectBase> HeldObject(MxVariant const &value, std::string const &name)
 {

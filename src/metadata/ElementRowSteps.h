@@ -3,8 +3,8 @@
 // Steps that rows of more than one group share and that need nothing of a
 // row but its name: turning a property's cell into the object it holds,
 // reading a child as an element of its own, the untyped reads and the row
-// failures. Internal to
-// the element rows; generated code never sees it.
+// failures. Internal to the element rows (and the attribute rows' property
+// read); generated code never sees it.
 
 #include "document/XmlDocument.h"
 #include "metadata/ElementInfo.h"
@@ -23,6 +23,10 @@ namespace MxXmlLibData
 {
 namespace RowSteps
 {
+
+// AccessProperty's read of the property `index`, a failure wrapped as
+// "Failed to get the property value for [name]."; for attribute rows too.
+void GetProperty(CXmlGeneratedClass *object, int index, std::string const &name, MxVariant &value);
 
 // The object a class row reads into; a null one means the generated class
 // did not make it, and raises CMxException.

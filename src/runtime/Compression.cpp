@@ -21,28 +21,21 @@ constexpr int kLevel = 1;
 constexpr int kMemoryLevel = 8;
 constexpr unsigned kInflateChunk = 0x10000;
 
-// Owns an initialised deflate stream; deflateEnd runs on every way out.
-struct DeflateStream
+// Owns an initialised zlib stream; `End` (deflateEnd or inflateEnd) runs on
+// every way out.
+template <int (*End)(z_streamp)>
+struct ZStream
 {
     z_stream stream{};
     bool live = false;
-    ~DeflateStream()
+    ~ZStream()
     {
         if (live)
-            deflateEnd(&stream);
+            End(&stream);
     }
 };
-
-struct InflateStream
-{
-    z_stream stream{};
-    bool live = false;
-    ~InflateStream()
-    {
-        if (live)
-            inflateEnd(&stream);
-    }
-};
+using DeflateStream = ZStream<deflateEnd>;
+using InflateStream = ZStream<inflateEnd>;
 
 [[noreturn]] void ThrowCompressFailure(int code)
 {

@@ -1,5 +1,6 @@
 #include "values/BigInteger.h"
 
+#include "runtime/CharClass.h"
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
 #include "values/Decimal.h"
@@ -14,16 +15,6 @@ namespace MxXmlLib
 
 namespace
 {
-
-bool IsBlank(char c)
-{
-    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
-}
-
-bool IsDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
 
 // a -= b in place, a >= b; leaves high zeros for the caller to clean.
 void SubtractInPlace(std::vector<char> &a, std::vector<char> const &b)

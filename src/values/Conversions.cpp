@@ -1,5 +1,6 @@
 #include "values/Conversions.h"
 
+#include "runtime/CharClass.h"
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
 
@@ -30,8 +31,6 @@ bool IsCSpace(char c)
 {
     return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
 }
-
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 bool IsHexDigit(char c) { return IsDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
 

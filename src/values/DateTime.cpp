@@ -1,5 +1,6 @@
 #include "values/DateTime.h"
 
+#include "runtime/CharClass.h"
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
 #include "runtime/platform/Platform.h"
@@ -47,7 +48,6 @@ char const *TypeName(CDateTime::DTType t)
 
 bool IsLeap(long long y) { return y % 4 == 0 && (y % 100 != 0 || y % 400 == 0); }
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 int Digit(char c) { return c - '0'; }
 int TwoDigits(char const *p) { return Digit(p[0]) * 10 + Digit(p[1]); }
 

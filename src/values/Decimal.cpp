@@ -1,5 +1,6 @@
 #include "values/Decimal.h"
 
+#include "runtime/CharClass.h"
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
 
@@ -23,16 +24,6 @@ constexpr std::size_t kExponentDigits = 31;
 // 10^100000 already has 100,001 digits; larger powers are not numbers a
 // document means.
 constexpr long long kMaxExponent = 100000;
-
-bool IsBlank(char c)
-{
-    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
-}
-
-bool IsDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
 
 CBigInteger Pow10(int n)
 {

@@ -13,6 +13,33 @@ namespace MxXmlLib
 namespace Platform
 {
 
+namespace
+{
+// Fills `buffer` with `readSome(at, want, done)` calls up to `size` bytes or
+// the end of the file, calling again after a signal. -1 when a call fails,
+// with errno telling why.
+template <typename ReadSome>
+long long ReadUpTo(void *buffer, std::size_t size, ReadSome readSome)
+{
+    auto *p = static_cast<char *>(buffer);
+    std::size_t done = 0;
+    while (done < size)
+    {
+        ssize_t const n = readSome(p + done, size - done, done);
+        if (n < 0)
+        {
+            if (errno == EINTR)
+                continue;
+            return -1;
+        }
+        if (n == 0)
+            break;
+        done += static_cast<std::size_t>(n);
+    }
+    return static_cast<long long>(done);
+}
+} // namespace
+
 NativeFile::~NativeFile()
 {
     Close();
@@ -127,44 +154,22 @@ bool NativeFile::Commit()
 
 long long NativeFile::Read(void *buffer, std::size_t size)
 {
-    auto *p = static_cast<char *>(buffer);
-    std::size_t done = 0;
-    while (done < size)
-    {
-        ssize_t const n = ::read(m_fd, p + done, size - done);
-        if (n < 0)
-        {
-            if (errno == EINTR)
-                continue;
-            Fail();
-            return -1;
-        }
-        if (n == 0)
-            break;
-        done += static_cast<std::size_t>(n);
-    }
-    return static_cast<long long>(done);
+    long long const n = ReadUpTo(buffer, size, [this](char *at, std::size_t want, std::size_t) {
+        return ::read(m_fd, at, want);
+    });
+    if (n < 0)
+        Fail();
+    return n;
 }
 
 long long NativeFile::ReadAt(std::uint64_t offset, void *buffer, std::size_t size)
 {
-    auto *p = static_cast<char *>(buffer);
-    std::size_t done = 0;
-    while (done < size)
-    {
-        ssize_t const n = ::pread(m_fd, p + done, size - done, static_cast<off_t>(offset + done));
-        if (n < 0)
-        {
-            if (errno == EINTR)
-                continue;
-            Fail();
-            return -1;
-        }
-        if (n == 0)
-            break;
-        done += static_cast<std::size_t>(n);
-    }
-    return static_cast<long long>(done);
+    long long const n = ReadUpTo(buffer, size, [this, offset](char *at, std::size_t want, std::size_t done) {
+        return ::pread(m_fd, at, want, static_cast<off_t>(offset + done));
+    });
+    if (n < 0)
+        Fail();
+    return n;
 }
 
 bool NativeFile::Write(void const *buffer, std::size_t size)

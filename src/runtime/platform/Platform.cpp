@@ -5,13 +5,10 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <fcntl.h>
 #include <iconv.h>
 #include <pthread.h>
-#include <sys/stat.h>
 #include <sys/time.h>
 #include <time.h>
-#include <unistd.h>
 
 namespace MxXmlLib
 {
@@ -272,89 +269,6 @@ void ShowWarning(char const *title, char const *text)
 {
     std::fprintf(stderr, "%s: %s\n", title ? title : "", text ? text : "");
     std::fflush(stderr);
-}
-
-// ---------------------------------------------------------------------------
-// Files
-
-File::~File()
-{
-    Close();
-}
-
-bool File::OpenForRead(char const *path)
-{
-    Close();
-    m_fd = ::open(path, O_RDONLY | O_CLOEXEC);
-    if (m_fd < 0)
-    {
-        m_error = std::strerror(errno);
-        return false;
-    }
-    return true;
-}
-
-bool File::CreateForWrite(char const *path)
-{
-    Close();
-    m_fd = ::open(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-    if (m_fd < 0)
-    {
-        m_error = std::strerror(errno);
-        return false;
-    }
-    return true;
-}
-
-long long File::Read(void *buffer, std::size_t size)
-{
-    for (;;)
-    {
-        ssize_t n = ::read(m_fd, buffer, size);
-        if (n >= 0)
-            return n;
-        if (errno == EINTR)
-            continue;
-        m_error = std::strerror(errno);
-        return -1;
-    }
-}
-
-bool File::Write(void const *buffer, std::size_t size)
-{
-    auto const *p = static_cast<char const *>(buffer);
-    while (size > 0)
-    {
-        ssize_t n = ::write(m_fd, p, size);
-        if (n < 0)
-        {
-            if (errno == EINTR)
-                continue;
-            m_error = std::strerror(errno);
-            return false;
-        }
-        p += n;
-        size -= static_cast<std::size_t>(n);
-    }
-    return true;
-}
-
-bool File::Size(std::uint64_t &size) const
-{
-    struct stat st{};
-    if (::fstat(m_fd, &st) != 0)
-        return false;
-    size = static_cast<std::uint64_t>(st.st_size);
-    return true;
-}
-
-void File::Close()
-{
-    if (m_fd >= 0)
-    {
-        ::close(m_fd);
-        m_fd = -1;
-    }
 }
 
 } // namespace Platform

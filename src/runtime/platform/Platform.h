@@ -1,7 +1,7 @@
 #pragma once
 
 // The one place that talks to the operating system. Each call is a task the
-// library needs (lock, convert text, read the clock, read or write a file),
+// library needs (lock, convert text, read the clock; files are NativeFile's),
 // not a wrapper for a system call. No system header appears here.
 
 #include <cstddef>
@@ -52,32 +52,6 @@ int LocalUtcOffsetMinutes();
 // --- user notification ------------------------------------------------------
 // Stands in for a message box: the title and text go to standard error.
 void ShowWarning(char const *title, char const *text);
-
-// --- files --------------------------------------------------------------------
-// A file handle owned by this object; every failure is reported as false,
-// with the system's reason in LastError().
-class File
-{
-public:
-    File() = default;
-    ~File();
-    File(File const &) = delete;
-    File &operator=(File const &) = delete;
-
-    bool OpenForRead(char const *path);
-    bool CreateForWrite(char const *path); // truncates an existing file
-    bool IsOpen() const { return m_fd >= 0; }
-    // Bytes read, 0 at the end, -1 on failure.
-    long long Read(void *buffer, std::size_t size);
-    bool Write(void const *buffer, std::size_t size);
-    bool Size(std::uint64_t &size) const;
-    void Close();
-    std::string const &LastError() const { return m_error; }
-
-private:
-    int m_fd = -1;
-    std::string m_error;
-};
 
 } // namespace Platform
 } // namespace MxXmlLib
