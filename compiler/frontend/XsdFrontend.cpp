@@ -541,14 +541,16 @@ private:
         }
     }
 
-    // A group of one element (or wildcard), the group occurring min..max
-    // times and the element a..b times each: the element alone, occurring
-    // min*a..max*b times, where those counts are all that the two allow
-    // (a of 0 or 1, or b unbounded). The rows read greedily, so the group
-    // would take every element in its first round and miss its minimum.
+    // A group of one element, the group occurring min..max times and the
+    // element a..b times each: the element alone, occurring min*a..max*b
+    // times, where those counts are all that the two allow (a of 0 or 1, or
+    // b unbounded). The rows read greedily, so the group would take every
+    // element in its first round and miss its minimum. Not for untyped
+    // elements or wildcards: their collections hold no bounds, which the
+    // group's row checks.
     bool FlattenRepeatedGroup(int index, Group group, XSParticle *only, int min, int max, int depth)
     {
-        if (only->getTermType() != XSParticle::TERM_ELEMENT && only->getTermType() != XSParticle::TERM_WILDCARD)
+        if (only->getTermType() != XSParticle::TERM_ELEMENT || Untyped(only->getElementTerm()->getTypeDefinition()))
             return false;
         long long const a = only->getMinOccurs();
         bool const unboundedInner = only->getMaxOccursUnbounded();
@@ -559,10 +561,7 @@ private:
         long long const most = max < 0 || unboundedInner ? -1 : static_cast<long long>(max) * b;
         if (total > INT_MAX || most > INT_MAX)
             return false;
-        if (only->getTermType() == XSParticle::TERM_ELEMENT)
-            AddElement(index, group, only->getElementTerm(), static_cast<int>(total), static_cast<int>(most), depth + 1);
-        else
-            AddWildcard(index, group, only->getWildcardTerm(), static_cast<int>(total), static_cast<int>(most), depth + 1);
+        AddElement(index, group, only->getElementTerm(), static_cast<int>(total), static_cast<int>(most), depth + 1);
         return true;
     }
 
