@@ -1,5 +1,6 @@
 #include "cpp/CppGenerator.h"
 
+#include "binding/SchemaValues.h"
 #include "frontend/XsdFrontend.h"
 
 #include <algorithm>
@@ -284,7 +285,7 @@ Names Decide(Model const &model, CppOptions const &options)
 
     std::set<std::string> types = {"ClassId",  "CFactory",     "Rule",      "NoFacets", "CreateByClassId",
                                    "CreateRoot", "CreateFor",  "Read",      "CleanAllMetaData",
-                                   "CSchemaValueTables", "SchemaValues", "Variety", "CheckValue", "ObjectIn"};
+                                   "CSchemaValueTables", "SchemaValues", "Variety", "CheckValue", "ObjectIn", "Unset"};
     for (ClassDef const &c : model.classes)
     {
         names.classes.push_back(Unique("C" + Identifier(c.identifier), types));
@@ -382,7 +383,10 @@ public:
                 std::string const expr = ValueExpression(*v, "        ");
                 auto const found = seen.emplace(expr, static_cast<int>(m_valueTypes.size()));
                 if (found.second)
+                {
                     m_valueTypes.push_back(expr);
+                    m_uncheckedTypes.push_back(AcceptsEveryValue(*v));
+                }
                 types.push_back(found.first->second);
             }
             m_propertyTypes.push_back(types);
@@ -457,6 +461,17 @@ private:
             break;
         }
         return "Variety::Atomic";
+    }
+
+    // Whether the run-time's checks pass every value of the type, so that
+    // a property of it needs none.
+    static bool AcceptsEveryValue(ValueType const &v)
+    {
+        return v.variety == ValueType::Variety::Atomic &&
+               MxXmlLib::CSchemaValueType(MxXmlLib::CSchemaValueType::Variety::Atomic, v.name.c_str(), v.itemType,
+                                          v.whitespace, v.facets, v.enumeration, v.qname, v.listLength,
+                                          v.listMinLength, v.listMaxLength)
+                   .AcceptsEveryValue();
     }
 
     // A value type as the run-time's checks take it, as an expression.
@@ -774,6 +789,10 @@ private:
             out += std::string(common ? "\n" : "") +
                    "template <typename T> MxXmlLib::CSmartPtr<T> ObjectIn(MxXmlLib::MxVariant const &cell)\n{\n"
                    "    return dynamic_cast<T *>(cell.GetXmlObject().Get());\n}\n\n"
+                   "// A cell made empty; one that is empty already, as most are when a read starts, is left alone.\n"
+                   "[[maybe_unused]] void Unset(MxXmlLib::MxVariant &cell)\n{\n"
+                   "    if (cell.IsValid())\n"
+                   "        cell = MxXmlLib::MxVariant();\n}\n\n"
                    "// The checks of a value about to be stored, as the run-time makes them for a loaded schema.\n"
                    "[[maybe_unused]] void CheckValue(int type, char const *name, MxXmlLib::MxVariant const &value)\n"
                    "{\n"
@@ -840,7 +859,7 @@ private:
                     "        CSchemaValueTables t;\n"
                     "        t.enumerations = {\n$enumerations$        };\n"
                     "        t.types = {\n$types$        };\n"
-                    "        // Patterns of string values are compiled once.\n"
+                    "        // The checks of stored values work out once what they can: patterns, bounds.\n"
                     "        for (MxXmlLib::CSchemaValueType &type : t.types)\n"
                     "            type.PreparePattern();\n"
                     "        return t;\n"
@@ -1072,7 +1091,7 @@ private:
             {
             case Property::Holds::Value:
             {
-                out += cell + " = MxXmlLib::MxVariant();\n";
+                out += "    Unset(m_cells[" + std::to_string(pi) + "]);\n";
                 AttributeRow const *a = p.attribute >= 0 ? &c.attributes[static_cast<std::size_t>(p.attribute)] : nullptr;
                 if (a != nullptr && a->fixed && a->kind == AttributeRow::Kind::Prim)
                     out += cell + ".FromString(" + Literal(a->defaultValue) + ", MxXmlLib::ItemType_" +
@@ -1310,7 +1329,7 @@ private:
         for (std::size_t pi = 0; pi < c.properties.size(); ++pi)
         {
             int const type = m_propertyTypes[ci][pi];
-            if (type >= 0)
+            if (type >= 0 && !m_uncheckedTypes[static_cast<std::size_t>(type)])
                 cases += "    case " + std::to_string(pi) + ":\n        CheckValue(" + std::to_string(type) + ", " +
                          Literal(c.properties[pi].name) + ", value);\n        break;\n";
         }
@@ -1357,6 +1376,7 @@ private:
     CppOptions const &o;
     Names n;
     std::vector<std::string> m_valueTypes;       // expressions, by number
+    std::vector<bool> m_uncheckedTypes;          // by number: no stored value can fail its checks
     std::vector<std::vector<int>> m_propertyTypes; // per class, per property: a number or -1
 };
 
