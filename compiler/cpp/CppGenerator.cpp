@@ -88,6 +88,40 @@ std::string Restrictions(MxXmlLib::CPrimitiveRestrictions const &f)
     return out.str();
 }
 
+// The facets that a row checks on writing, less an inclusive bound at the end
+// of an integer type's own range (xs:int's maxInclusive 2147483647 on a
+// restriction of it): no value of the type can fail it, and the row would
+// parse it for every value written.
+MxXmlLib::CPrimitiveRestrictions RowFacets(ValueType const &v)
+{
+    struct Range
+    {
+        MxXmlLib::ItemType type;
+        char const *min;
+        char const *max;
+    };
+    static Range const ranges[] = {
+        {MxXmlLib::ItemType_i1, "-128", "127"},
+        {MxXmlLib::ItemType_i2, "-32768", "32767"},
+        {MxXmlLib::ItemType_i4, "-2147483648", "2147483647"},
+        {MxXmlLib::ItemType_i8, "-9223372036854775808", "9223372036854775807"},
+        {MxXmlLib::ItemType_ui1, "0", "255"},
+        {MxXmlLib::ItemType_ui2, "0", "65535"},
+        {MxXmlLib::ItemType_ui4, "0", "4294967295"},
+        {MxXmlLib::ItemType_ui8, "0", "18446744073709551615"},
+    };
+    MxXmlLib::CPrimitiveRestrictions f = v.facets;
+    for (Range const &r : ranges)
+        if (r.type == v.itemType)
+        {
+            if (f.minInclusive == r.min)
+                f.minInclusive.clear();
+            if (f.maxInclusive == r.max)
+                f.maxInclusive.clear();
+        }
+    return f;
+}
+
 std::string FacetArguments(MxXmlLib::CPrimitiveRestrictions const &f)
 {
     std::ostringstream out;
@@ -1049,7 +1083,7 @@ private:
                 return head + ")";
             return head + ", " + (r.nillable ? "true" : "false") + ", MxXmlLib::ItemType_" +
                    ItemTypeName(r.value.itemType) + ", nullptr, " + RuleName(r.value.whitespace) + ", " +
-                   Restrictions(r.value.facets) + ", " + def + ")";
+                   Restrictions(RowFacets(r.value)) + ", " + def + ")";
         case RowKind::Untpd:
             if (r.occurs == Occurs::Col)
                 return head + ")";
@@ -1076,7 +1110,7 @@ private:
         return "new CAttributeInfoPrimitive(" + Literal(a.name) + ", " + Literal(a.ns) + ", " +
                std::to_string(a.property) + ", " + (a.optional ? "true" : "false") + ", MxXmlLib::ItemType_" +
                ItemTypeName(a.value.itemType) + ", nullptr, " + RuleName(a.value.whitespace) + ", " +
-               Restrictions(a.value.facets) + ", " + def + ")";
+               Restrictions(RowFacets(a.value)) + ", " + def + ")";
     }
 
     std::string ResetBody(ClassDef const &c) const
