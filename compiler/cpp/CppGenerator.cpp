@@ -1,5 +1,6 @@
 #include "cpp/CppGenerator.h"
 
+#include "binding/SchemaValues.h"
 #include "frontend/XsdFrontend.h"
 
 #include <algorithm>
@@ -85,6 +86,40 @@ std::string Restrictions(MxXmlLib::CPrimitiveRestrictions const &f)
         << ", " << FacetText(f.maxExclusive) << ", " << f.length << ", " << f.totalDigits << ", " << f.fractionDigits
         << ")";
     return out.str();
+}
+
+// The facets that a row checks on writing, less an inclusive bound at the end
+// of an integer type's own range (xs:int's maxInclusive 2147483647 on a
+// restriction of it): no value of the type can fail it, and the row would
+// parse it for every value written.
+MxXmlLib::CPrimitiveRestrictions RowFacets(ValueType const &v)
+{
+    struct Range
+    {
+        MxXmlLib::ItemType type;
+        char const *min;
+        char const *max;
+    };
+    static Range const ranges[] = {
+        {MxXmlLib::ItemType_i1, "-128", "127"},
+        {MxXmlLib::ItemType_i2, "-32768", "32767"},
+        {MxXmlLib::ItemType_i4, "-2147483648", "2147483647"},
+        {MxXmlLib::ItemType_i8, "-9223372036854775808", "9223372036854775807"},
+        {MxXmlLib::ItemType_ui1, "0", "255"},
+        {MxXmlLib::ItemType_ui2, "0", "65535"},
+        {MxXmlLib::ItemType_ui4, "0", "4294967295"},
+        {MxXmlLib::ItemType_ui8, "0", "18446744073709551615"},
+    };
+    MxXmlLib::CPrimitiveRestrictions f = v.facets;
+    for (Range const &r : ranges)
+        if (r.type == v.itemType)
+        {
+            if (f.minInclusive == r.min)
+                f.minInclusive.clear();
+            if (f.maxInclusive == r.max)
+                f.maxInclusive.clear();
+        }
+    return f;
 }
 
 std::string FacetArguments(MxXmlLib::CPrimitiveRestrictions const &f)
@@ -284,7 +319,7 @@ Names Decide(Model const &model, CppOptions const &options)
 
     std::set<std::string> types = {"ClassId",  "CFactory",     "Rule",      "NoFacets", "CreateByClassId",
                                    "CreateRoot", "CreateFor",  "Read",      "CleanAllMetaData",
-                                   "CSchemaValueTables", "SchemaValues", "Variety", "CheckValue", "ObjectIn"};
+                                   "CSchemaValueTables", "SchemaValues", "Variety", "CheckValue", "ObjectIn", "Unset"};
     for (ClassDef const &c : model.classes)
     {
         names.classes.push_back(Unique("C" + Identifier(c.identifier), types));
@@ -382,7 +417,10 @@ public:
                 std::string const expr = ValueExpression(*v, "        ");
                 auto const found = seen.emplace(expr, static_cast<int>(m_valueTypes.size()));
                 if (found.second)
+                {
                     m_valueTypes.push_back(expr);
+                    m_uncheckedTypes.push_back(AcceptsEveryValue(*v));
+                }
                 types.push_back(found.first->second);
             }
             m_propertyTypes.push_back(types);
@@ -457,6 +495,17 @@ private:
             break;
         }
         return "Variety::Atomic";
+    }
+
+    // Whether the run-time's checks pass every value of the type, so that
+    // a property of it needs none.
+    static bool AcceptsEveryValue(ValueType const &v)
+    {
+        return v.variety == ValueType::Variety::Atomic &&
+               MxXmlLib::CSchemaValueType(MxXmlLib::CSchemaValueType::Variety::Atomic, v.name.c_str(), v.itemType,
+                                          v.whitespace, v.facets, v.enumeration, v.qname, v.listLength,
+                                          v.listMinLength, v.listMaxLength)
+                   .AcceptsEveryValue();
     }
 
     // A value type as the run-time's checks take it, as an expression.
@@ -774,6 +823,10 @@ private:
             out += std::string(common ? "\n" : "") +
                    "template <typename T> MxXmlLib::CSmartPtr<T> ObjectIn(MxXmlLib::MxVariant const &cell)\n{\n"
                    "    return dynamic_cast<T *>(cell.GetXmlObject().Get());\n}\n\n"
+                   "// A cell made empty; one that is empty already, as most are when a read starts, is left alone.\n"
+                   "[[maybe_unused]] void Unset(MxXmlLib::MxVariant &cell)\n{\n"
+                   "    if (cell.IsValid())\n"
+                   "        cell = MxXmlLib::MxVariant();\n}\n\n"
                    "// The checks of a value about to be stored, as the run-time makes them for a loaded schema.\n"
                    "[[maybe_unused]] void CheckValue(int type, char const *name, MxXmlLib::MxVariant const &value)\n"
                    "{\n"
@@ -840,7 +893,7 @@ private:
                     "        CSchemaValueTables t;\n"
                     "        t.enumerations = {\n$enumerations$        };\n"
                     "        t.types = {\n$types$        };\n"
-                    "        // Patterns of string values are compiled once.\n"
+                    "        // The checks of stored values work out once what they can: patterns, bounds.\n"
                     "        for (MxXmlLib::CSchemaValueType &type : t.types)\n"
                     "            type.PreparePattern();\n"
                     "        return t;\n"
@@ -1030,7 +1083,7 @@ private:
                 return head + ")";
             return head + ", " + (r.nillable ? "true" : "false") + ", MxXmlLib::ItemType_" +
                    ItemTypeName(r.value.itemType) + ", nullptr, " + RuleName(r.value.whitespace) + ", " +
-                   Restrictions(r.value.facets) + ", " + def + ")";
+                   Restrictions(RowFacets(r.value)) + ", " + def + ")";
         case RowKind::Untpd:
             if (r.occurs == Occurs::Col)
                 return head + ")";
@@ -1057,7 +1110,7 @@ private:
         return "new CAttributeInfoPrimitive(" + Literal(a.name) + ", " + Literal(a.ns) + ", " +
                std::to_string(a.property) + ", " + (a.optional ? "true" : "false") + ", MxXmlLib::ItemType_" +
                ItemTypeName(a.value.itemType) + ", nullptr, " + RuleName(a.value.whitespace) + ", " +
-               Restrictions(a.value.facets) + ", " + def + ")";
+               Restrictions(RowFacets(a.value)) + ", " + def + ")";
     }
 
     std::string ResetBody(ClassDef const &c) const
@@ -1072,7 +1125,7 @@ private:
             {
             case Property::Holds::Value:
             {
-                out += cell + " = MxXmlLib::MxVariant();\n";
+                out += "    Unset(m_cells[" + std::to_string(pi) + "]);\n";
                 AttributeRow const *a = p.attribute >= 0 ? &c.attributes[static_cast<std::size_t>(p.attribute)] : nullptr;
                 if (a != nullptr && a->fixed && a->kind == AttributeRow::Kind::Prim)
                     out += cell + ".FromString(" + Literal(a->defaultValue) + ", MxXmlLib::ItemType_" +
@@ -1310,7 +1363,7 @@ private:
         for (std::size_t pi = 0; pi < c.properties.size(); ++pi)
         {
             int const type = m_propertyTypes[ci][pi];
-            if (type >= 0)
+            if (type >= 0 && !m_uncheckedTypes[static_cast<std::size_t>(type)])
                 cases += "    case " + std::to_string(pi) + ":\n        CheckValue(" + std::to_string(type) + ", " +
                          Literal(c.properties[pi].name) + ", value);\n        break;\n";
         }
@@ -1360,6 +1413,7 @@ private:
     CppOptions const &o;
     Names n;
     std::vector<std::string> m_valueTypes;       // expressions, by number
+    std::vector<bool> m_uncheckedTypes;          // by number: no stored value can fail its checks
     std::vector<std::vector<int>> m_propertyTypes; // per class, per property: a number or -1
 };
 

@@ -12,6 +12,7 @@
 #include "runtime/Compression.h"
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
+#include "values/Conversions.h"
 #include "values/FacetCheck.h"
 
 #include <algorithm>
@@ -31,12 +32,232 @@ CSchemaValueType::CSchemaValueType(Variety variety_, char const *name_, ItemType
 {
 }
 
+namespace
+{
+
+bool HasFacet(int facet)
+{
+    return facet >= 0;
+}
+
+std::string const &Bound(CPrimitiveRestrictions const &facets, int i)
+{
+    std::string const *const bounds[4] = {&facets.minInclusive, &facets.maxInclusive, &facets.minExclusive,
+                                          &facets.maxExclusive};
+    return *bounds[i];
+}
+
+bool HasBounds(CPrimitiveRestrictions const &facets)
+{
+    for (int i = 0; i < 4; ++i)
+        if (!Bound(facets, i).empty())
+            return true;
+    return false;
+}
+
+// The types whose facet check has a case of its own; any other (char) is
+// refused by it whatever its facets.
+bool HasFacetCheck(ItemType type)
+{
+    return type >= ItemType_hexBinary && type <= ItemType_integer && type != ItemType_char;
+}
+
+// The integer types whose values a long long holds.
+bool IsWidenedInteger(ItemType type)
+{
+    return type >= ItemType_i1 && type <= ItemType_ui4;
+}
+
+// The bound as the facet check reads it (collapsed, then parsed as the
+// value's own type), widened; false when it does not parse, which the
+// general check reports.
+bool ReadIntegerBound(ItemType type, std::string const &text, long long &bound)
+{
+    using C = CConversions;
+    WhitespaceRule const rule = WhitespaceRule::Collapse;
+    try
+    {
+        switch (type)
+        {
+        case ItemType_i1:
+            bound = C::i1FromString(text, rule);
+            return true;
+        case ItemType_i2:
+            bound = C::i2FromString(text, rule);
+            return true;
+        case ItemType_i4:
+            bound = C::i4FromString(text, rule);
+            return true;
+        case ItemType_i8:
+            bound = C::i8FromString(text, rule);
+            return true;
+        case ItemType_ui1:
+            bound = C::ui1FromString(text, rule);
+            return true;
+        case ItemType_ui2:
+            bound = C::ui2FromString(text, rule);
+            return true;
+        case ItemType_ui4:
+            bound = C::ui4FromString(text, rule);
+            return true;
+        default:
+            return false;
+        }
+    }
+    catch (CMxException const &)
+    {
+        return false;
+    }
+}
+
+// The value of an integer cell of `type`, widened; false for a cell of
+// another type.
+bool ReadInteger(MxVariant const &cell, ItemType type, long long &value)
+{
+    if (cell.GetTypeAsEnum() != type)
+        return false;
+    switch (type)
+    {
+    case ItemType_i1:
+        value = cell.GetI1();
+        return true;
+    case ItemType_i2:
+        value = cell.GetI2();
+        return true;
+    case ItemType_i4:
+        value = cell.GetI4();
+        return true;
+    case ItemType_i8:
+        value = cell.GetI8();
+        return true;
+    case ItemType_ui1:
+        value = cell.GetUI1();
+        return true;
+    case ItemType_ui2:
+        value = cell.GetUI2();
+        return true;
+    case ItemType_ui4:
+        value = cell.GetUI4();
+        return true;
+    default:
+        return false;
+    }
+}
+
+template <typename T, typename Bounds> bool WithinBounds(T const &value, Bounds const &bounds)
+{
+    return (!bounds.present[0] || value >= bounds.value[0]) && (!bounds.present[1] || value <= bounds.value[1]) &&
+           (!bounds.present[2] || value > bounds.value[2]) && (!bounds.present[3] || value < bounds.value[3]);
+}
+
+} // namespace
+
 void CSchemaValueType::PreparePattern()
 {
-    if (variety != Variety::Atomic || enumeration >= 0 || itemType != ItemType_string || facets.pattern.empty())
+    m_prepared = Prepared::None;
+    m_pattern.reset();
+    m_decimalBounds.reset();
+    if (variety != Variety::Atomic || enumeration >= 0)
         return;
-    std::string converted;
-    m_pattern = std::make_shared<CXsdPattern const>(std::string(LocalToUtf8View(facets.pattern, converted)), true);
+    if (AcceptsEveryValue())
+    {
+        m_prepared = Prepared::Nothing;
+        return;
+    }
+    if (itemType == ItemType_string && !facets.pattern.empty())
+    {
+        std::string converted;
+        m_pattern = std::make_shared<CXsdPattern const>(std::string(LocalToUtf8View(facets.pattern, converted)), true);
+        m_prepared = Prepared::Pattern;
+        return;
+    }
+    if (HasFacet(facets.totalDigits))
+        return;
+    if (itemType == ItemType_decimal)
+    {
+        auto bounds = std::make_shared<Bounds<CDecimal>>();
+        for (int i = 0; i < 4; ++i)
+        {
+            std::string const &text = Bound(facets, i);
+            if (text.empty())
+                continue;
+            try
+            {
+                bounds->value[i] = CConversions::decimalFromString(text, WhitespaceRule::Collapse);
+            }
+            catch (CMxException const &)
+            {
+                return;
+            }
+            bounds->present[i] = true;
+        }
+        m_decimalBounds = std::move(bounds);
+        m_prepared = Prepared::Decimal;
+        return;
+    }
+    if (!IsWidenedInteger(itemType))
+        return;
+    Bounds<long long> bounds;
+    for (int i = 0; i < 4; ++i)
+    {
+        std::string const &text = Bound(facets, i);
+        if (text.empty())
+            continue;
+        if (!ReadIntegerBound(itemType, text, bounds.value[i]))
+            return;
+        bounds.present[i] = true;
+    }
+    m_bounds = bounds;
+    m_prepared = Prepared::Integer;
+}
+
+bool CSchemaValueType::AcceptsEveryValue() const
+{
+    return variety == Variety::Atomic && enumeration < 0 && HasFacetCheck(itemType) && facets.pattern.empty() &&
+           !HasBounds(facets) && !HasFacet(facets.minLength) && !HasFacet(facets.maxLength) &&
+           !HasFacet(facets.length) && !HasFacet(facets.totalDigits) && !HasFacet(facets.fractionDigits);
+}
+
+bool CSchemaValueType::PassesPrepared(MxVariant const &value) const
+{
+    switch (m_prepared)
+    {
+    case Prepared::None:
+        return false;
+    case Prepared::Nothing:
+        return true;
+    case Prepared::Pattern:
+    {
+        std::string const &text = value.GetStringRef();
+        std::size_t const size = text.size();
+        if ((HasFacet(facets.minLength) && size < static_cast<std::size_t>(facets.minLength)) ||
+            (HasFacet(facets.maxLength) && size > static_cast<std::size_t>(facets.maxLength)) ||
+            (HasFacet(facets.length) && size != static_cast<std::size_t>(facets.length)))
+            return false;
+        try
+        {
+            return m_pattern->Matches(text);
+        }
+        catch (CMxException const &)
+        {
+            return false;
+        }
+    }
+    case Prepared::Integer:
+    {
+        long long v = 0;
+        return ReadInteger(value, itemType, v) && WithinBounds(v, m_bounds);
+    }
+    case Prepared::Decimal:
+    {
+        CDecimal const *v = value.GetTypeAsEnum() == ItemType_decimal ? value.PeekDecimal() : nullptr;
+        // Fewer places held than allowed means fewer significant ones.
+        if (v == nullptr || (HasFacet(facets.fractionDigits) && v->GetFractionDivider() > facets.fractionDigits))
+            return false;
+        return WithinBounds(*v, *m_decimalBounds);
+    }
+    }
+    return false;
 }
 
 bool CSchemaValueType::HoldsQName() const
@@ -232,7 +453,7 @@ int SchemaEnumerationFromString(CSchemaEnumeration const &e, char const *text)
 void CheckStoredSchemaValue(CSchemaEnumerations const *all, CSchemaValueType const &type, char const *name,
                             MxVariant const &value)
 {
-    if (value.GetTypeAsEnum() == ItemType_None || value.IsNil())
+    if (value.GetTypeAsEnum() == ItemType_None || value.IsNil() || type.PassesPrepared(value))
         return;
     if (type.GetPreparedPattern() != nullptr)
         CheckPreparedPattern(name, value, type);

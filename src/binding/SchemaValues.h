@@ -16,6 +16,7 @@
 #include "binding/XmlGeneratedClass.h"
 #include "binding/XmlObjectBase.h"
 #include "values/BinaryData.h"
+#include "values/Decimal.h"
 #include "values/PrimitiveRestrictions.h"
 #include "values/Variant.h"
 #include "values/WhitespaceUtils.h"
@@ -56,16 +57,47 @@ struct CSchemaValueType
                      CPrimitiveRestrictions const &facets, int enumeration, bool qname, int listLength,
                      int listMinLength, int listMaxLength, std::vector<CSchemaValueType> items = {});
 
-    // Compiles the pattern of an atomic string once (PreparePattern), for
-    // a type whose values are stored often; copies share it.
+    // Works out once, for a type whose values are stored often, what
+    // CheckStoredSchemaValue can settle without the general checks: the
+    // pattern of an atomic string compiled (copies share it), the bounds of
+    // an integer or decimal parsed. A value that those pass is stored at
+    // once; any other takes the general checks, which say why it fails, so
+    // that a prepared type refuses and reports exactly what another would.
     void PreparePattern();
     std::shared_ptr<CXsdPattern const> const &GetPreparedPattern() const { return m_pattern; }
+
+    // Whether no value of the type can fail the checks of a store: an
+    // atomic type without facets or an enumeration (char aside, which has
+    // no facet check and refuses every value).
+    bool AcceptsEveryValue() const;
 
     // Whether the type or one of its items or members is a QName.
     bool HoldsQName() const;
 
+    // Whether what PreparePattern worked out shows a value (set, not nil) to
+    // pass every check; false leaves the answer to the general checks.
+    bool PassesPrepared(MxVariant const &value) const;
+
 private:
+    enum class Prepared : unsigned char
+    {
+        None,     // the general checks
+        Nothing,  // AcceptsEveryValue
+        Pattern,  // a string: the compiled pattern, lengths as they stand
+        Integer,  // i1 to i8 and ui1 to ui4 without totalDigits: m_bounds
+        Decimal,  // without totalDigits: m_decimalBounds, fractionDigits as it stands
+    };
+    // The four bounds in the order the facet check takes them: minInclusive,
+    // maxInclusive, minExclusive, maxExclusive; absent ones are not tested.
+    template <typename T> struct Bounds
+    {
+        bool present[4] = {false, false, false, false};
+        T value[4] = {};
+    };
+    Prepared m_prepared = Prepared::None;
     std::shared_ptr<CXsdPattern const> m_pattern;
+    Bounds<long long> m_bounds;
+    std::shared_ptr<Bounds<CDecimal> const> m_decimalBounds;
 };
 
 struct CSchemaEnumeration

@@ -372,6 +372,10 @@ CBinaryData MxVariant::GetHexBinary() const { return GetHeap<CBinaryData>(); }
 CDateTimeSpan MxVariant::GetDuration() const { return GetHeap<CDateTimeSpan>(); }
 CDateTime MxVariant::GetDate() const { return GetHeap<CDateTime>(); }
 CDecimal MxVariant::GetDecimal() const { return GetHeap<CDecimal>(); }
+CDecimal const *MxVariant::PeekDecimal() const
+{
+    return StorageOf(m_type) == StorageFor<CDecimal>() ? Pointer<CDecimal>() : nullptr;
+}
 CBigInteger MxVariant::GetInteger() const { return GetHeap<CBigInteger>(); }
 
 CSmartPtr<CXmlObjectBase> MxVariant::GetXmlObject() const

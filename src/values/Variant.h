@@ -152,6 +152,8 @@ public:
     CDateTime GetMonthDay() const { return GetDate(); }
     CDateTime GetYearMonth() const { return GetDate(); }
     CDecimal GetDecimal() const;
+    // The decimal held, without a copy, or null for a cell that holds none.
+    CDecimal const *PeekDecimal() const;
     CBigInteger GetInteger() const;
     CSmartPtr<CXmlObjectBase> GetXmlObject() const;
     // Null when the cell holds an object that is not a collection.
