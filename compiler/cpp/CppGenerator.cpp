@@ -1298,6 +1298,8 @@ private:
             {"textType", c.simpleContentProperty >= 0
                              ? std::string("MxXmlLib::ItemType_") + ItemTypeName(c.simpleContent.itemType)
                              : std::string("MxXmlLib::ItemType_None")},
+            {"textAsString",
+             c.simpleContentProperty >= 0 && MxXmlLib::ReadsSchemaText(c.simpleContent.itemType) ? "true" : "false"},
             {"rowCount", std::to_string(c.elements.size() + 1)},
             {"rows", rows},
             {"attributeCount", std::to_string(c.attributes.size() + 1)},
@@ -1340,7 +1342,7 @@ private:
                     "static void Build$class$(MxXmlLib::CClassTables::Rows &t)\n"
                     "{\n"
                     "    t.info = new CParentElementInfo($group$, $shape$, $name$, $ns$, $fail$, $bases$, $text$,\n"
-                    "                                    $textType$, nullptr, false);\n"
+                    "                                    $textType$, nullptr, $textAsString$);\n"
                     "    t.elements = new CElementInfo *[$rowCount$]{\n$rows$        nullptr};\n"
                     "    t.attributes = new CAttributeInfo *[$attributeCount$]{\n$attributes$        nullptr};\n"
                     "}\n\n"
@@ -1363,9 +1365,17 @@ private:
         for (std::size_t pi = 0; pi < c.properties.size(); ++pi)
         {
             int const type = m_propertyTypes[ci][pi];
-            if (type >= 0 && !m_uncheckedTypes[static_cast<std::size_t>(type)])
-                cases += "    case " + std::to_string(pi) + ":\n        CheckValue(" + std::to_string(type) + ", " +
-                         Literal(c.properties[pi].name) + ", value);\n        break;\n";
+            if (type < 0)
+                continue;
+            std::string body;
+            if (static_cast<int>(pi) == c.simpleContentProperty && MxXmlLib::ReadsSchemaText(c.simpleContent.itemType))
+                body += "        MxXmlLib::ConvertSchemaText(SchemaValues().types[" + std::to_string(type) +
+                        "], value);\n";
+            if (!m_uncheckedTypes[static_cast<std::size_t>(type)])
+                body += "        CheckValue(" + std::to_string(type) + ", " + Literal(c.properties[pi].name) +
+                        ", value);\n";
+            if (!body.empty())
+                cases += "    case " + std::to_string(pi) + ":\n" + body + "        break;\n";
         }
         if (cases.empty())
             return std::string();

@@ -540,7 +540,8 @@ std::shared_ptr<SetData> Build(Model model)
                                        : XmlElementGroupType_All,
             c.shape == ClassShape::Element ? XmlElementType_Element : XmlElementType_PseudoGroup, Text(c.name),
             Text(c.ns), c.failIfAttributeUnknown, c.hasBaseClasses, c.simpleContentProperty,
-            c.simpleContentProperty >= 0 ? c.simpleContent.itemType : ItemType_None, nullptr, false);
+            c.simpleContentProperty >= 0 ? c.simpleContent.itemType : ItemType_None, nullptr,
+            c.simpleContentProperty >= 0 && ReadsSchemaText(c.simpleContent.itemType));
         for (ElementRow const &r : c.elements)
         {
             int const classId = r.classIndex >= 0 ? ClassNumber(data->slot, r.classIndex, r.nillable) : 0;
@@ -614,6 +615,8 @@ void CDynamicObject::AccessProperty(int index, bool read, MxVariant &value)
     // refused here, when it is stored, so that reading an invalid document
     // fails at the element or attribute that holds it.
     int const type = m_set->propertyValueTypes[static_cast<std::size_t>(m_class)][static_cast<std::size_t>(index)];
+    if (type >= 0 && index == GetClass().simpleContentProperty)
+        ConvertSchemaText(m_set->valueTypes[static_cast<std::size_t>(type)], value);
     if (type >= 0)
         CheckStoredSchemaValue(&m_set->enumerations, m_set->valueTypes[static_cast<std::size_t>(type)],
                                GetClass().properties[static_cast<std::size_t>(index)].name.c_str(), value);

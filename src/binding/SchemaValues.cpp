@@ -467,6 +467,21 @@ void CheckStoredSchemaValue(CSchemaEnumerations const *all, CSchemaValueType con
     }
 }
 
+bool ReadsSchemaText(ItemType itemType)
+{
+    return itemType != ItemType_None && itemType != ItemType_string;
+}
+
+void ConvertSchemaText(CSchemaValueType const &type, MxVariant &value)
+{
+    if (value.GetTypeAsEnum() != ItemType_string || type.variety != CSchemaValueType::Variety::Atomic ||
+        !ReadsSchemaText(type.itemType))
+        return;
+    MxVariant typed;
+    typed.FromString(value.GetString(), type.itemType, type.whitespace);
+    value = std::move(typed);
+}
+
 void CollectSchemaValuePrefixes(CXmlElement const *element, CSchemaValueType const &type, MxVariant const &cell,
                                 SchemaValuePrefixes &prefixes)
 {

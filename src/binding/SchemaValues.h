@@ -140,6 +140,14 @@ int SchemaEnumerationFromString(CSchemaEnumeration const &e, char const *text);
 void CheckStoredSchemaValue(CSchemaEnumerations const *all, CSchemaValueType const &type, char const *name,
                             MxVariant const &value);
 
+// A class with simple content of another type than string reads its text
+// as a string, since the driver would convert it without the type's white
+// space rule (a number on a line of its own would fail); this converts
+// such a string with the type's rule before it is stored.
+void ConvertSchemaText(CSchemaValueType const &type, MxVariant &value);
+// Whether a class whose simple content has this type reads it as text.
+bool ReadsSchemaText(ItemType itemType);
+
 // The prefixes used in QName values: reading notes the namespace each stands
 // for in the element that held it, and writing declares them on the element
 // that holds the value again, so that the value keeps its meaning.

@@ -85,6 +85,16 @@ constexpr ConstructCase kConstructs[] = {
      "<r xmlns='urn:c'><p cur='EUR'>2.50</p><s>L</s><s>S</s><l>1 2  3</l><u>2020-01-01</u></r>",
      "<AA:r xmlns:AA=\"urn:c\"><AA:p cur=\"EUR\">2.5</AA:p><AA:s>L</AA:s><AA:s>S</AA:s><AA:l>1 2 3</AA:l>"
      "<AA:u>2020-01-01</AA:u></AA:r>"},
+    {"simple content of a number, a boolean and a date on lines of their own",
+     "<xs:complexType name='T'><xs:simpleContent><xs:extension base='xs:boolean'><xs:attribute name='a' "
+     "type='xs:int'/></xs:extension></xs:simpleContent></xs:complexType>"
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='b' type='c:T'/><xs:element name='i'>"
+     "<xs:complexType><xs:simpleContent><xs:extension base='xs:int'><xs:attribute name='a' type='xs:int'/>"
+     "</xs:extension></xs:simpleContent></xs:complexType></xs:element><xs:element name='d'><xs:complexType>"
+     "<xs:simpleContent><xs:extension base='xs:date'><xs:attribute name='a' type='xs:int'/></xs:extension>"
+     "</xs:simpleContent></xs:complexType></xs:element></xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:c'><b a='1'>\n  true\n</b><i>\n  12\n</i><d a='2'>\t2020-01-01 </d></r>",
+     "<AA:r xmlns:AA=\"urn:c\"><AA:b a=\"1\">true</AA:b><AA:i>12</AA:i><AA:d a=\"2\">2020-01-01</AA:d></AA:r>"},
     {"wildcards",
      "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='a' type='xs:int'/>"
      "<xs:any namespace='##other' processContents='lax' minOccurs='0' maxOccurs='unbounded'/></xs:sequence>"
