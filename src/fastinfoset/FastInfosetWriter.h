@@ -71,8 +71,6 @@ private:
     void FlushPendingElement(bool attributesFollow);
     // One item of an element's namespace block.
     void AppendNamespaceAttribute(std::string const &prefix, std::string const &uri);
-    // The open element, raising CMxInvalidStateException when there is none.
-    CXmlWriterContext &Current();
     // Closes the attribute list of the current element at its first content.
     void CloseStartTag();
     void CheckAttributesAllowed();
@@ -120,6 +118,8 @@ private:
 
     std::string m_out;
     std::string m_utf8;
+    // The key of the name being looked up (CFIVocabulary::QNameKey).
+    std::string m_key;
 };
 
 } // namespace MxXmlLib
