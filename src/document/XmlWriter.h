@@ -170,6 +170,14 @@ protected:
             if (!IsUnderXmlNamespace(entry.first))
                 declare(entry.second, entry.first);
     }
+    // The same behind the document's default namespace, if any, as the
+    // mapping of the empty prefix.
+    template <class Declare> void ForEachRootDeclaration(Declare const &declare) const
+    {
+        if (!m_defaultNamespace.empty())
+            declare(std::string(), m_defaultNamespace);
+        ForEachDocumentMapping(declare);
+    }
 
     std::string m_defaultNamespace;
     CXmlWriterContext *m_current;

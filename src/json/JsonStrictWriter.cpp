@@ -319,13 +319,9 @@ void CJsonStrictWriter::StartElement(std::string const &localName, std::string c
         if (declare)
             WriteDeclarationMember(frame, prefix, namespaceUri);
         if (isRoot && full)
-        {
-            if (!m_defaultNamespace.empty())
-                WriteDeclarationMember(frame, std::string(), m_defaultNamespace);
-            ForEachDocumentMapping([&](std::string const &mapped, std::string const &uri) {
+            ForEachRootDeclaration([&](std::string const &mapped, std::string const &uri) {
                 WriteDeclarationMember(frame, mapped, uri);
             });
-        }
         FlushCheck();
     }
     catch (...)

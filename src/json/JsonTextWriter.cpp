@@ -155,13 +155,9 @@ void CJsonTextWriter::StartElement(std::string const &localName, std::string con
                 WriteDeclaration(context, prefix, namespaceUri);
         }
         if (isRoot)
-        {
-            if (!m_defaultNamespace.empty())
-                WriteDeclaration(context, std::string(), m_defaultNamespace);
-            ForEachDocumentMapping([&](std::string const &prefix, std::string const &uri) {
-                WriteDeclaration(context, prefix, uri);
+            ForEachRootDeclaration([&](std::string const &mapped, std::string const &uri) {
+                WriteDeclaration(context, mapped, uri);
             });
-        }
         FlushCheck();
     }
     catch (...)
