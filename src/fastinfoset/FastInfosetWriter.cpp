@@ -385,15 +385,47 @@ void CFastInfosetWriter::AppendAttributeQName(std::string const &prefix, std::st
 void CFastInfosetWriter::AppendElementQName(unsigned char flags, std::string const &prefix,
                                             std::string const &namespaceUri, std::string const &localName)
 {
+    KnownName &known = KnownElement(prefix, namespaceUri, localName);
+    if (known.index != 0)
+    {
+        AppendInteger(kIntegerOnBit3, flags, known.index);
+        return;
+    }
     CFIVocabulary::QNameKey(m_key, prefix, namespaceUri, localName);
     std::uint32_t index;
     if (CFIVocabulary::FindIndex(Vocabulary->ElementNamesMap, m_key, index))
     {
+        // Only a name the table holds is remembered: a full table adds none.
+        if (m_knownCount < m_knownElements.size() / 4 * 3)
+        {
+            known.prefix = prefix;
+            known.namespaceUri = namespaceUri;
+            known.localName = localName;
+            known.index = index;
+            ++m_knownCount;
+        }
         AppendInteger(kIntegerOnBit3, flags, index);
         return;
     }
     AppendLiteralQName(flags | 0x3C, prefix, namespaceUri, localName);
     CFIVocabulary::AddValueToMap(m_key, Vocabulary->ElementNamesMap);
+}
+
+CFastInfosetWriter::KnownName &CFastInfosetWriter::KnownElement(std::string const &prefix,
+                                                                std::string const &namespaceUri,
+                                                                std::string const &localName)
+{
+    std::uint32_t hash = 2166136261u; // FNV-1a
+    for (unsigned char c : localName)
+        hash = (hash ^ c) * 16777619u;
+    std::size_t const mask = m_knownElements.size() - 1; // a power of two
+    for (std::size_t slot = hash & mask;; slot = (slot + 1) & mask)
+    {
+        KnownName &known = m_knownElements[slot];
+        if (known.index == 0 ||
+            (known.localName == localName && known.namespaceUri == namespaceUri && known.prefix == prefix))
+            return known;
+    }
 }
 
 // The tag with a bit each for a prefix and a namespace, then the strings present.
