@@ -57,6 +57,24 @@ protected:
     // from a run that is built once and grows with the deepest level seen.
     void WriteIndent(std::int32_t depth);
     void FlushCheck() { CXmlWriter::FlushCheck(*m_stream); }
+    // Writes [text, end): the runs between the bytes of `stops` as they
+    // stand, and each of those bytes through `escape(byte)`.
+    template <class Escape>
+    void WriteEscapedRuns(char const *text, char const *end, CByteSet const &stops, Escape const &escape)
+    {
+        char const *run = text;
+        for (char const *p = text; p != end; ++p)
+        {
+            if (!stops[static_cast<unsigned char>(*p)])
+                continue;
+            if (p > run)
+                Write(run, static_cast<std::size_t>(p - run));
+            run = p + 1;
+            escape(static_cast<unsigned char>(*p));
+        }
+        if (end > run)
+            Write(run, static_cast<std::size_t>(end - run));
+    }
 
     CTextStream *m_stream;
     bool m_formatted;

@@ -10,9 +10,9 @@ namespace MxXmlLib
 
 namespace
 {
-// Bytes that WriteEscaped must look at: the end, line ends, and markup.
+// Bytes that WriteEscaped must look at: line ends and markup.
 constexpr CByteSet kSpecial([](unsigned c) {
-    return c == '\0' || c == '\n' || c == '\r' || c == '"' || c == '&' || c == '<' || c == '>';
+    return c == '\n' || c == '\r' || c == '"' || c == '&' || c == '<' || c == '>';
 });
 } // namespace
 
@@ -229,31 +229,14 @@ void CXmlTextWriter::EndElement()
 
 void CXmlTextWriter::WriteEscaped(char const *text, bool isAttribute)
 {
-    char const *run = text;
-    char const *p = text;
-    auto flush = [&] {
-        if (p > run)
-            Write(run, static_cast<std::size_t>(p - run));
-    };
-    for (;; ++p)
-    {
-        char const c = *p;
-        // Most bytes need nothing: scan them as one run.
-        if (!kSpecial[static_cast<unsigned char>(c)])
-            continue;
-        flush();
-        run = p + 1;
+    WriteEscapedRuns(text, text + std::strlen(text), kSpecial, [&](unsigned char c) {
         switch (c)
         {
-        case '\0':
-            return;
         case '\n':
             if (isAttribute)
                 Write("&#xA;", 5);
             else
                 WriteEndOfLine();
-            break;
-        case '\r':
             break;
         case '"':
             if (isAttribute)
@@ -270,10 +253,10 @@ void CXmlTextWriter::WriteEscaped(char const *text, bool isAttribute)
         case '>':
             Write("&gt;", 4);
             break;
-        default:
+        default: // '\r' is dropped
             break;
         }
-    }
+    });
 }
 
 } // namespace MxXmlLib

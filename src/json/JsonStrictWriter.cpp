@@ -90,16 +90,7 @@ void CJsonStrictWriter::WriteString(char const *text, std::size_t length)
 {
     static char const kHex[] = "0123456789abcdef";
     Put('"');
-    char const *run = text;
-    char const *const end = text + length;
-    for (char const *p = text; p != end; ++p)
-    {
-        unsigned char const c = static_cast<unsigned char>(*p);
-        if (!kEscaped[c])
-            continue;
-        if (p > run)
-            Write(run, static_cast<std::size_t>(p - run));
-        run = p + 1;
+    WriteEscapedRuns(text, text + length, kEscaped, [&](unsigned char c) {
         switch (c)
         {
         case '"':
@@ -130,9 +121,7 @@ void CJsonStrictWriter::WriteString(char const *text, std::size_t length)
             break;
         }
         }
-    }
-    if (end > run)
-        Write(run, static_cast<std::size_t>(end - run));
+    });
     Put('"');
 }
 

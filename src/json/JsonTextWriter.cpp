@@ -3,13 +3,15 @@
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
 
+#include <cstring>
+
 namespace MxXmlLib
 {
 
 namespace
 {
-// Bytes that WriteEscaped must look at: the end and the control characters
-// other than backspace, tab and form feed, which are copied as they stand.
+// Bytes that WriteEscaped must look at: the control characters other than
+// backspace, tab and form feed, which are copied as they stand.
 constexpr CByteSet kSpecial([](unsigned c) { return c < 0x20 && c != 0x08 && c != 0x09 && c != 0x0C; });
 
 // The types whose text is a JSON number or boolean as CConversions gives it.
@@ -274,34 +276,15 @@ void CJsonTextWriter::WriteValue(std::string const &value, ItemType type)
 void CJsonTextWriter::WriteEscaped(char const *text)
 {
     static char const kHex[] = "0123456789ABCDEF";
-    char const *run = text;
-    char const *p = text;
-    for (;; ++p)
-    {
-        unsigned char const c = static_cast<unsigned char>(*p);
-        // Most bytes are copied: scan them as one run.
-        if (!kSpecial[c])
-            continue;
-        if (p > run)
-            Write(run, static_cast<std::size_t>(p - run));
-        run = p + 1;
-        switch (c)
-        {
-        case 0x00:
-            return;
-        case 0x0A:
+    WriteEscapedRuns(text, text + std::strlen(text), kSpecial, [&](unsigned char c) {
+        if (c == 0x0A)
             WriteEndOfLine();
-            break;
-        case 0x0D:
-            break;
-        default:
+        else if (c != 0x0D)
         {
             char const escape[6] = {'\\', 'u', '0', '0', kHex[c >> 4], kHex[c & 0x0F]};
             Write(escape, sizeof escape);
-            break;
         }
-        }
-    }
+    });
 }
 
 } // namespace MxXmlLib
