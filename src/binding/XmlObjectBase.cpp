@@ -236,7 +236,7 @@ void CXmlObjectBase::WriteJsonText(CTextStream &stream, bool formatted, EOLType 
     CJsonTextWriter &writer = *made;
     stream.Start();
     writer.SetFormatted(formatted);
-    writer.SetIndentChars(context.GetIndentChars());
+    writer.SetIndent(context.GetIndentChars());
     writer.SetEolType(eolType);
     writer.SetRoundTrip(context.GetJsonContext().GetSupportRoundtrip());
     writer.WriteDocumentStart();

@@ -10,34 +10,13 @@ namespace MxXmlLib
 
 namespace
 {
-char const kXsiNamespace[] = "http://www.w3.org/2001/XMLSchema-instance";
-char const kXmlNamespace[] = "http://www.w3.org/XML/1998/namespace";
-
-// Bytes that WriteEscaped must look at: the end, line ends, and markup.
-struct SpecialBytes
-{
-    bool table[256] = {};
-    constexpr SpecialBytes()
-    {
-        for (unsigned char c : {'\0', '\n', '\r', '"', '&', '<', '>'})
-            table[c] = true;
-    }
-    constexpr bool operator[](unsigned char c) const { return table[c]; }
-};
-constexpr SpecialBytes kSpecial;
+// Bytes that WriteEscaped must look at: line ends and markup.
+constexpr CByteSet kSpecial([](unsigned c) {
+    return c == '\n' || c == '\r' || c == '"' || c == '&' || c == '<' || c == '>';
+});
 } // namespace
 
-CXmlTextWriter::CXmlTextWriter(CTextStream *stream)
-    : m_writeDefaultValues(false), m_indent("\t"), m_endOfLine("\n"), m_eolType(LF), m_formatted(true),
-      m_stream(stream)
-{
-}
-
-void CXmlTextWriter::WriteIndent(std::int32_t depth)
-{
-    for (std::int32_t i = 0; i < depth; ++i)
-        Write(m_indent);
-}
+CXmlTextWriter::CXmlTextWriter(CTextStream *stream) : CTextWriter(stream), m_writeDefaultValues(false) {}
 
 void CXmlTextWriter::WriteDeclaration(std::string const &prefix, std::string const &uri)
 {
@@ -46,28 +25,6 @@ void CXmlTextWriter::WriteDeclaration(std::string const &prefix, std::string con
     Write("=\"", 2);
     Write(uri);
     Put('"');
-}
-
-void CXmlTextWriter::StartDocument()
-{
-    m_stream->Start();
-}
-
-void CXmlTextWriter::EndDocument()
-{
-    m_stream->End();
-    CXmlWriter::EndDocument();
-}
-
-void CXmlTextWriter::SetEolType(EOLType type)
-{
-    if (type == CRLF)
-        m_endOfLine = "\r\n";
-    else if (type == LF)
-        m_endOfLine = "\n";
-    else
-        throw CMxException("Invalid EOL type.");
-    m_eolType = type;
 }
 
 void CXmlTextWriter::WriteXmlDeclaration()
@@ -85,7 +42,7 @@ void CXmlTextWriter::WriteXmlDeclaration()
         break;
     }
     Write("?>", 2);
-    Write(m_endOfLine);
+    WriteEndOfLine();
     FlushCheck();
 }
 
@@ -94,24 +51,24 @@ void CXmlTextWriter::WriteComment(std::string const &text)
     Write("<!--", 4);
     WriteEscaped(text.c_str(), false);
     Write("-->", 3);
-    Write(m_endOfLine);
+    WriteEndOfLine();
     FlushCheck();
 }
 
 void CXmlTextWriter::WriteProcessingInstruction(std::string const &text)
 {
     Write(text);
-    Write(m_endOfLine);
-    Write(m_endOfLine);
+    WriteEndOfLine();
+    WriteEndOfLine();
     FlushCheck();
 }
 
 void CXmlTextWriter::WriteInLineSchema(std::string const &text)
 {
     Put(' ');
-    Write(m_endOfLine);
+    WriteEndOfLine();
     Write(text);
-    Write(m_endOfLine);
+    WriteEndOfLine();
     FlushCheck();
 }
 
@@ -125,7 +82,7 @@ void CXmlTextWriter::CloseStartTag()
             m_current->TagOpen = 0;
             Put('>');
             if (m_formatted)
-                Write(m_endOfLine);
+                WriteEndOfLine();
         }
     }
 }
@@ -145,16 +102,8 @@ void CXmlTextWriter::StartElement(std::string const &localName, std::string cons
             Write(localName);
         else
         {
-            std::string prefix;
             bool isNew = false;
-            if (std::string const *mapped = context->FindPrefix(namespaceUri))
-                prefix = *mapped;
-            else
-            {
-                prefix = context->GeneratePrefix();
-                context->AddNamespace(prefix, namespaceUri);
-                isNew = true;
-            }
+            std::string const &prefix = PrefixFor(*context, namespaceUri, [&](std::string const &) { isNew = true; });
             Write(prefix);
             Put(':');
             Write(localName);
@@ -173,14 +122,10 @@ void CXmlTextWriter::StartElement(std::string const &localName, std::string cons
                 Write(m_defaultNamespace);
                 Put('"');
             }
-            for (auto const &entry : m_namespaceMap)
-            {
-                // A prefix test, not equality: nothing under the XML namespace is declared.
-                if (entry.first.compare(0, sizeof(kXmlNamespace) - 1, kXmlNamespace) == 0)
-                    continue;
+            ForEachDocumentMapping([this](std::string const &prefix, std::string const &uri) {
                 Put(' ');
-                WriteDeclaration(entry.second, entry.first);
-            }
+                WriteDeclaration(prefix, uri);
+            });
         }
         FlushCheck();
     }
@@ -192,25 +137,25 @@ void CXmlTextWriter::StartElement(std::string const &localName, std::string cons
     SetCurrentContext(context);
 }
 
-void CXmlTextWriter::WriteAttribute(std::string const &localName, std::string const &namespaceUri,
-                                    std::string const &value, ItemType)
+CXmlWriter::CXmlWriterContext &CXmlTextWriter::TagOfAttributes()
 {
     CXmlWriterContext &context = Current();
     if (context.TagOpen == 0)
         throw CMxException("Attributes must be added before elements");
+    return context;
+}
+
+void CXmlTextWriter::WriteAttribute(std::string const &localName, std::string const &namespaceUri,
+                                    std::string const &value, ItemType)
+{
+    CXmlWriterContext &context = TagOfAttributes();
     Put(' ');
     if (!namespaceUri.empty())
     {
-        std::string const *prefix = context.FindPrefix(namespaceUri);
-        if (prefix == nullptr)
-        {
-            std::string generated = context.GeneratePrefix();
-            context.AddNamespace(generated, namespaceUri);
+        Write(PrefixFor(context, namespaceUri, [&](std::string const &generated) {
             WriteDeclaration(generated, namespaceUri);
             Put(' ');
-            prefix = context.FindPrefix(namespaceUri);
-        }
-        Write(*prefix);
+        }));
         Put(':');
     }
     Write(localName);
@@ -222,34 +167,18 @@ void CXmlTextWriter::WriteAttribute(std::string const &localName, std::string co
 
 void CXmlTextWriter::WriteTypeAttribute(std::string const &typeNamespace, std::string const &typeName, ItemType type)
 {
-    CXmlWriterContext &context = Current();
-    if (context.TagOpen == 0)
-        throw CMxException("Attributes must be added before elements");
-    std::string value;
-    if (!typeNamespace.empty() && typeNamespace != context.GetEffectiveDefaultNamespace())
-    {
-        std::string const *prefix = context.FindPrefix(typeNamespace);
-        if (prefix == nullptr)
-        {
-            std::string generated = context.GeneratePrefix();
-            context.AddNamespace(generated, typeNamespace);
-            Put(' ');
-            WriteDeclaration(generated, typeNamespace);
-            Put(' ');
-            prefix = context.FindPrefix(typeNamespace);
-        }
-        value = *prefix + ":" + typeName;
-    }
-    else
-        value = typeName;
+    CXmlWriterContext &context = TagOfAttributes();
+    std::string const value = TypeValue(context, typeNamespace, typeName, [&](std::string const &generated) {
+        Put(' ');
+        WriteDeclaration(generated, typeNamespace);
+        Put(' ');
+    });
     WriteAttribute("type", kXsiNamespace, value, type);
 }
 
 void CXmlTextWriter::WriteNilAttribute()
 {
-    CXmlWriterContext &context = Current();
-    if (context.TagOpen == 0)
-        throw CMxException("Attributes must be added before elements");
+    TagOfAttributes();
     WriteAttribute("nil", kXsiNamespace, "true", ItemType_boolean);
 }
 
@@ -291,42 +220,21 @@ void CXmlTextWriter::EndElement()
         Put('>');
     }
     if (m_formatted)
-        Write(m_endOfLine);
+        WriteEndOfLine();
     FlushCheck();
     PopContext();
 }
 
 void CXmlTextWriter::WriteEscaped(char const *text, bool isAttribute)
 {
-    char const *run = text;
-    char const *p = text;
-    auto flush = [&] {
-        if (p > run)
-            Write(run, static_cast<std::size_t>(p - run));
-    };
-    for (;; ++p)
-    {
-        char const c = *p;
-        // Most bytes need nothing: scan them as one run.
-        if (!kSpecial[static_cast<unsigned char>(c)])
-            continue;
-        flush();
-        run = p + 1;
+    WriteEscapedRuns(text, text + std::strlen(text), kSpecial, [&](unsigned char c) {
         switch (c)
         {
-        case '\0':
-            return;
         case '\n':
             if (isAttribute)
                 Write("&#xA;", 5);
-            else if (m_eolType == CRLF)
-                Write("\r\n", 2);
-            else if (m_eolType == LF)
-                Put('\n');
             else
-                throw CMxException("Invalid EOL type.");
-            break;
-        case '\r':
+                WriteEndOfLine();
             break;
         case '"':
             if (isAttribute)
@@ -343,10 +251,10 @@ void CXmlTextWriter::WriteEscaped(char const *text, bool isAttribute)
         case '>':
             Write("&gt;", 4);
             break;
-        default:
+        default: // '\r' is dropped
             break;
         }
-    }
+    });
 }
 
 } // namespace MxXmlLib

@@ -185,6 +185,12 @@ CXmlWriter::CXmlWriterContext &CXmlWriter::Current()
     return *m_current;
 }
 
+bool CXmlWriter::IsUnderXmlNamespace(std::string const &uri)
+{
+    static char const kXmlNamespace[] = "http://www.w3.org/XML/1998/namespace";
+    return uri.compare(0, sizeof(kXmlNamespace) - 1, kXmlNamespace) == 0;
+}
+
 void CXmlWriter::FlushCheck(CTextStream &stream)
 {
     constexpr std::uint32_t kFlushThreshold = 4096;

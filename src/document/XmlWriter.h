@@ -122,6 +122,8 @@ public:
     CXmlWriterContext *GetCurrentContext() const { return m_current; }
 
 protected:
+    static constexpr char kXsiNamespace[] = "http://www.w3.org/2001/XMLSchema-instance";
+
     // Makes the context for a new element, below the current one if any; the
     // caller makes it current when its start tag is written, or releases it.
     CXmlWriterContext *CreateContext(std::string const &localName, std::string const &namespaceUri);
@@ -135,6 +137,50 @@ protected:
     // The text writers hand their stream's bytes on once it holds this many,
     // so that a file is written as it grows.
     static void FlushCheck(CTextStream &stream);
+
+    // The prefix in force for `uri` on `context`. Where there is none, the
+    // next generated one goes to `declare` (which writes its declaration, or
+    // throws before anything is mapped) and is then mapped on `context`. The
+    // reference lives until `context` maps another namespace.
+    template <class Declare>
+    static std::string const &PrefixFor(CXmlWriterContext &context, std::string const &uri, Declare const &declare)
+    {
+        if (std::string const *prefix = context.FindPrefix(uri))
+            return *prefix;
+        std::string const generated = context.GeneratePrefix();
+        declare(generated);
+        context.AddNamespace(generated, uri);
+        return *context.FindPrefix(uri);
+    }
+    // The text of an xsi:type attribute: the type's name, behind the prefix
+    // of its namespace (PrefixFor) unless that is empty or the default in force.
+    template <class Declare>
+    static std::string TypeValue(CXmlWriterContext &context, std::string const &typeNamespace,
+                                 std::string const &typeName, Declare const &declare)
+    {
+        if (typeNamespace.empty() || typeNamespace == context.GetEffectiveDefaultNamespace())
+            return typeName;
+        return PrefixFor(context, typeNamespace, declare) + ":" + typeName;
+    }
+    // A prefix test, not equality: nothing under the XML namespace is
+    // declared, as it is bound by definition.
+    static bool IsUnderXmlNamespace(std::string const &uri);
+    // The mappings made before the root, as the root declares them
+    // (`declare(prefix, uri)`), in URI order.
+    template <class Declare> void ForEachDocumentMapping(Declare const &declare) const
+    {
+        for (auto const &entry : m_namespaceMap)
+            if (!IsUnderXmlNamespace(entry.first))
+                declare(entry.second, entry.first);
+    }
+    // The same behind the document's default namespace, if any, as the
+    // mapping of the empty prefix.
+    template <class Declare> void ForEachRootDeclaration(Declare const &declare) const
+    {
+        if (!m_defaultNamespace.empty())
+            declare(std::string(), m_defaultNamespace);
+        ForEachDocumentMapping(declare);
+    }
 
     std::string m_defaultNamespace;
     CXmlWriterContext *m_current;

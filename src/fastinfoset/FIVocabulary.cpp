@@ -20,13 +20,20 @@ std::string CFIVocabulary::QNameKey(std::string const &prefix, std::string const
                                     std::string const &localName)
 {
     std::string key;
+    QNameKey(key, prefix, namespaceName, localName);
+    return key;
+}
+
+void CFIVocabulary::QNameKey(std::string &key, std::string const &prefix, std::string const &namespaceName,
+                             std::string const &localName)
+{
+    key.clear();
     key.reserve(localName.size() + namespaceName.size() + prefix.size() + 2);
     key += localName;
     key += '\x01';
     key += namespaceName;
     key += '\x01';
     key += prefix;
-    return key;
 }
 
 bool CFIVocabulary::FindIndex(IndexMap const &map, std::string const &key, std::uint32_t &index)

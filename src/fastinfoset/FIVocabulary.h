@@ -7,7 +7,7 @@
 // reader that start from the same seeds agree on every number.
 
 #include <cstdint>
-#include <map>
+#include <unordered_map>
 #include <string>
 #include <vector>
 
@@ -66,7 +66,9 @@ public:
         std::vector<CQNameParts> m_items;
     };
 
-    using IndexMap = std::map<std::string, std::uint32_t>;
+    // Only looked up and added to, never walked: the order of the keys is no
+    // concern, and a document's thousands of character chunks want hashing.
+    using IndexMap = std::unordered_map<std::string, std::uint32_t>;
 
     // The largest index a document can carry: a full table takes nothing
     // more, silently.
@@ -101,6 +103,9 @@ public:
     // The map key of a qualified name: local name, 0x01, namespace, 0x01, prefix.
     static std::string QNameKey(std::string const &prefix, std::string const &namespaceName,
                                 std::string const &localName);
+    // The same into `key`, whose storage a writer reuses from name to name.
+    static void QNameKey(std::string &key, std::string const &prefix, std::string const &namespaceName,
+                         std::string const &localName);
 
 private:
     friend class CFastInfosetWriter;

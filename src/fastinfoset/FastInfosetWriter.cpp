@@ -13,9 +13,6 @@ namespace MxXmlLib
 
 namespace
 {
-char const kXsiNamespace[] = "http://www.w3.org/2001/XMLSchema-instance";
-char const kXmlNamespace[] = "http://www.w3.org/XML/1998/namespace";
-constexpr std::size_t kXmlNamespaceLength = sizeof(kXmlNamespace) - 1; // 36
 
 // Indexed by FInfoDecl; 0 writes none.
 char const *const kDeclarations[] = {
@@ -132,13 +129,6 @@ void CFastInfosetWriter::WriteInLineSchema(std::string const &) {}
 // ---------------------------------------------------------------------------
 // Elements
 
-CXmlWriter::CXmlWriterContext &CFastInfosetWriter::Current()
-{
-    if (m_current == nullptr)
-        throw CMxInvalidStateException("No element is open.");
-    return *m_current;
-}
-
 void CFastInfosetWriter::CloseStartTag()
 {
     CXmlWriterContext &current = Current();
@@ -244,7 +234,7 @@ void CFastInfosetWriter::FlushPendingElement(bool attributesFollow)
         NamespaceMap const map = element.GetEffectiveMap();
         bool declares = !defaultNamespace.empty();
         for (auto const &entry : map)
-            declares = declares || entry.first.compare(0, kXmlNamespaceLength, kXmlNamespace) != 0;
+            declares = declares || !IsUnderXmlNamespace(entry.first);
         if (declares)
         {
             Put(flags | 0x38);
@@ -255,11 +245,8 @@ void CFastInfosetWriter::FlushPendingElement(bool attributesFollow)
                 AppendIdentifyingString(defaultNamespace, StringTable::Namespace);
             }
             for (auto const &entry : map)
-            {
-                if (entry.first.compare(0, kXmlNamespaceLength, kXmlNamespace) == 0)
-                    continue;
-                AppendNamespaceAttribute(entry.second, entry.first);
-            }
+                if (!IsUnderXmlNamespace(entry.first))
+                    AppendNamespaceAttribute(entry.second, entry.first);
             // The map keeps one prefix per namespace; values may use several.
             for (auto const &entry : LateMappings)
             {
@@ -335,16 +322,7 @@ void CFastInfosetWriter::WriteAttribute(std::string const &localName, std::strin
         AppendAttributeQName("", "", localName);
     else
     {
-        CXmlWriterContext &current = Current();
-        std::string prefix;
-        if (std::string const *known = current.FindPrefix(namespaceUri))
-            prefix = *known;
-        else
-        {
-            prefix = current.GeneratePrefix();
-            current.AddNamespace(prefix, namespaceUri);
-        }
-        AppendAttributeQName(prefix, namespaceUri, localName);
+        AppendAttributeQName(PrefixFor(Current(), namespaceUri, [](std::string const &) {}), namespaceUri, localName);
     }
     AppendAttributeValue(value, type);
 }
@@ -429,29 +407,61 @@ void CFastInfosetWriter::AppendIdentifyingString(std::string const &text, String
 void CFastInfosetWriter::AppendAttributeQName(std::string const &prefix, std::string const &namespaceUri,
                                               std::string const &localName)
 {
-    std::string const key = CFIVocabulary::QNameKey(prefix, namespaceUri, localName);
+    CFIVocabulary::QNameKey(m_key, prefix, namespaceUri, localName);
     std::uint32_t index;
-    if (CFIVocabulary::FindIndex(Vocabulary->AttributeNamesMap, key, index))
+    if (CFIVocabulary::FindIndex(Vocabulary->AttributeNamesMap, m_key, index))
     {
         AppendIntegerBit2(0, index);
         return;
     }
     AppendLiteralQName(0x78, prefix, namespaceUri, localName);
-    CFIVocabulary::AddValueToMap(key, Vocabulary->AttributeNamesMap);
+    CFIVocabulary::AddValueToMap(m_key, Vocabulary->AttributeNamesMap);
 }
 
 void CFastInfosetWriter::AppendElementQName(unsigned char flags, std::string const &prefix,
                                             std::string const &namespaceUri, std::string const &localName)
 {
-    std::string const key = CFIVocabulary::QNameKey(prefix, namespaceUri, localName);
-    std::uint32_t index;
-    if (CFIVocabulary::FindIndex(Vocabulary->ElementNamesMap, key, index))
+    KnownName &known = KnownElement(prefix, namespaceUri, localName);
+    if (known.index != 0)
     {
+        AppendInteger(kIntegerOnBit3, flags, known.index);
+        return;
+    }
+    CFIVocabulary::QNameKey(m_key, prefix, namespaceUri, localName);
+    std::uint32_t index;
+    if (CFIVocabulary::FindIndex(Vocabulary->ElementNamesMap, m_key, index))
+    {
+        // Only a name the table holds is remembered: a full table adds none.
+        if (m_knownCount < m_knownElements.size() / 4 * 3)
+        {
+            known.prefix = prefix;
+            known.namespaceUri = namespaceUri;
+            known.localName = localName;
+            known.index = index;
+            ++m_knownCount;
+        }
         AppendInteger(kIntegerOnBit3, flags, index);
         return;
     }
     AppendLiteralQName(flags | 0x3C, prefix, namespaceUri, localName);
-    CFIVocabulary::AddValueToMap(key, Vocabulary->ElementNamesMap);
+    CFIVocabulary::AddValueToMap(m_key, Vocabulary->ElementNamesMap);
+}
+
+CFastInfosetWriter::KnownName &CFastInfosetWriter::KnownElement(std::string const &prefix,
+                                                                std::string const &namespaceUri,
+                                                                std::string const &localName)
+{
+    std::uint32_t hash = 2166136261u; // FNV-1a
+    for (unsigned char c : localName)
+        hash = (hash ^ c) * 16777619u;
+    std::size_t const mask = m_knownElements.size() - 1; // a power of two
+    for (std::size_t slot = hash & mask;; slot = (slot + 1) & mask)
+    {
+        KnownName &known = m_knownElements[slot];
+        if (known.index == 0 ||
+            (known.localName == localName && known.namespaceUri == namespaceUri && known.prefix == prefix))
+            return known;
+    }
 }
 
 // The tag with a bit each for a prefix and a namespace, then the strings present.

@@ -9,6 +9,7 @@
 #include "fastinfoset/FIVocabulary.h"
 #include "runtime/OptionEnums.h"
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -76,8 +77,6 @@ private:
     void FlushPendingElement(bool attributesFollow);
     // One item of an element's namespace block.
     void AppendNamespaceAttribute(std::string const &prefix, std::string const &uri);
-    // The open element, raising CMxInvalidStateException when there is none.
-    CXmlWriterContext &Current();
     // Closes the attribute list of the current element at its first content.
     void CloseStartTag();
     void CheckAttributesAllowed();
@@ -125,6 +124,24 @@ private:
 
     std::string m_out;
     std::string m_utf8;
+    // The key of the name being looked up (CFIVocabulary::QNameKey).
+    std::string m_key;
+    // Element names that the table holds, with their index, in a small open
+    // hash table by local name: a document repeats a handful of names, and
+    // comparing three short strings costs less than building and hashing the
+    // vocabulary's key. Index 0 marks a free slot; at most three quarters of
+    // the slots are taken, so a search always ends at a match or a free slot.
+    struct KnownName
+    {
+        std::string prefix;
+        std::string namespaceUri;
+        std::string localName;
+        std::uint32_t index = 0;
+    };
+    KnownName &KnownElement(std::string const &prefix, std::string const &namespaceUri,
+                            std::string const &localName);
+    std::array<KnownName, 64> m_knownElements;
+    std::size_t m_knownCount = 0;
 };
 
 } // namespace MxXmlLib

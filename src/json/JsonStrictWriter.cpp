@@ -7,24 +7,8 @@ namespace MxXmlLib
 
 namespace
 {
-char const kXsiNamespace[] = "http://www.w3.org/2001/XMLSchema-instance";
-char const kXmlNamespace[] = "http://www.w3.org/XML/1998/namespace";
-constexpr std::uint32_t kFlushThreshold = 4096;
-
 // Bytes that cannot stand in a JSON string as they are.
-struct EscapedBytes
-{
-    bool table[256] = {};
-    constexpr EscapedBytes()
-    {
-        for (unsigned c = 0; c < 0x20; ++c)
-            table[c] = true;
-        table[static_cast<unsigned char>('"')] = true;
-        table[static_cast<unsigned char>('\\')] = true;
-    }
-    constexpr bool operator[](unsigned char c) const { return table[c]; }
-};
-constexpr EscapedBytes kEscaped;
+constexpr CByteSet kEscaped([](unsigned c) { return c < 0x20 || c == '"' || c == '\\'; });
 
 bool IsDigit(char c)
 {
@@ -98,32 +82,15 @@ void CJsonStrictWriter::Newline(std::int32_t level)
 {
     if (!m_formatted)
         return;
-    Write(m_eolString);
-    Indent(level);
-}
-
-void CJsonStrictWriter::Indent(std::int32_t level)
-{
-    std::size_t const length = m_indentChars.size() * static_cast<std::size_t>(level > 0 ? level : 0);
-    while (m_indentCache.size() < length)
-        m_indentCache += m_indentChars;
-    Write(m_indentCache.data(), length);
+    WriteEndOfLine();
+    WriteIndent(level);
 }
 
 void CJsonStrictWriter::WriteString(char const *text, std::size_t length)
 {
     static char const kHex[] = "0123456789abcdef";
     Put('"');
-    char const *run = text;
-    char const *const end = text + length;
-    for (char const *p = text; p != end; ++p)
-    {
-        unsigned char const c = static_cast<unsigned char>(*p);
-        if (!kEscaped[c])
-            continue;
-        if (p > run)
-            Write(run, static_cast<std::size_t>(p - run));
-        run = p + 1;
+    WriteEscapedRuns(text, text + length, kEscaped, [&](unsigned char c) {
         switch (c)
         {
         case '"':
@@ -154,9 +121,7 @@ void CJsonStrictWriter::WriteString(char const *text, std::size_t length)
             break;
         }
         }
-    }
-    if (end > run)
-        Write(run, static_cast<std::size_t>(end - run));
+    });
     Put('"');
 }
 
@@ -322,14 +287,7 @@ void CJsonStrictWriter::StartElement(std::string const &localName, std::string c
         bool declare = false;
         if (full && !namespaceUri.empty() && namespaceUri != context->GetEffectiveDefaultNamespace())
         {
-            if (std::string const *mapped = context->FindPrefix(namespaceUri))
-                prefix = *mapped;
-            else
-            {
-                prefix = context->GeneratePrefix();
-                context->AddNamespace(prefix, namespaceUri);
-                declare = true;
-            }
+            prefix = PrefixFor(*context, namespaceUri, [&](std::string const &) { declare = true; });
             m_key.assign(prefix).append(1, ':').append(localName);
         }
         else
@@ -341,7 +299,7 @@ void CJsonStrictWriter::StartElement(std::string const &localName, std::string c
         {
             // The frame has written "{" and its line end.
             if (m_formatted)
-                Indent(1);
+                WriteIndent(1);
             WriteKey(m_key);
         }
         else
@@ -350,19 +308,10 @@ void CJsonStrictWriter::StartElement(std::string const &localName, std::string c
         if (declare)
             WriteDeclarationMember(frame, prefix, namespaceUri);
         if (isRoot && full)
-        {
-            if (!m_defaultNamespace.empty())
-                WriteDeclarationMember(frame, std::string(), m_defaultNamespace);
-            for (auto const &entry : m_namespaceMap)
-            {
-                // A prefix test, not equality, as in the XML writer.
-                if (entry.first.compare(0, sizeof(kXmlNamespace) - 1, kXmlNamespace) == 0)
-                    continue;
-                WriteDeclarationMember(frame, entry.second, entry.first);
-            }
-        }
-        if (m_stream->GetLength() >= kFlushThreshold)
-            m_stream->Flush();
+            ForEachRootDeclaration([&](std::string const &mapped, std::string const &uri) {
+                WriteDeclarationMember(frame, mapped, uri);
+            });
+        FlushCheck();
     }
     catch (...)
     {
@@ -452,15 +401,10 @@ void CJsonStrictWriter::WriteAttribute(std::string const &localName, std::string
     }
     else
     {
-        std::string const *prefix = context.FindPrefix(namespaceUri);
-        if (prefix == nullptr)
-        {
-            std::string const generated = context.GeneratePrefix();
-            context.AddNamespace(generated, namespaceUri);
+        std::string const &prefix = PrefixFor(context, namespaceUri, [&](std::string const &generated) {
             WriteDeclarationMember(frame, generated, namespaceUri);
-            prefix = context.FindPrefix(namespaceUri);
-        }
-        m_key.assign(1, '@').append(*prefix).append(1, ':').append(localName);
+        });
+        m_key.assign(1, '@').append(prefix).append(1, ':').append(localName);
     }
     BeginMember(frame);
     WriteKey(m_key);
@@ -474,23 +418,11 @@ void CJsonStrictWriter::WriteTypeAttribute(std::string const &typeNamespace, std
         return;
     Context &context = Current();
     Frame &frame = Top();
-    std::string value;
-    if (!typeNamespace.empty() && typeNamespace != context.GetEffectiveDefaultNamespace())
-    {
-        std::string const *prefix = context.FindPrefix(typeNamespace);
-        if (prefix == nullptr)
-        {
-            if (frame.content)
-                throw CMxException("Attributes must be added before elements");
-            std::string const generated = context.GeneratePrefix();
-            context.AddNamespace(generated, typeNamespace);
-            WriteDeclarationMember(frame, generated, typeNamespace);
-            prefix = context.FindPrefix(typeNamespace);
-        }
-        value = *prefix + ":" + typeName;
-    }
-    else
-        value = typeName;
+    std::string const value = TypeValue(context, typeNamespace, typeName, [&](std::string const &generated) {
+        if (frame.content)
+            throw CMxException("Attributes must be added before elements");
+        WriteDeclarationMember(frame, generated, typeNamespace);
+    });
     WriteAttribute("type", kXsiNamespace, value, type);
 }
 

@@ -70,7 +70,6 @@ private:
     Frame &PushFrame(std::int32_t level, bool wrapped);
     // A line end and the indentation of `level`, when formatted.
     void Newline(std::int32_t level);
-    void Indent(std::int32_t level);
     void WriteString(char const *text, std::size_t length);
     void WriteString(std::string const &text) { WriteString(text.data(), text.size()); }
     void WriteKey(std::string const &key);
@@ -90,7 +89,6 @@ private:
 
     std::vector<Frame> m_frames;
     std::size_t m_depth;
-    std::string m_indentCache;
     std::string m_key;
 };
 

@@ -3,27 +3,16 @@
 #include "runtime/FormatString.h"
 #include "runtime/MxException.h"
 
+#include <cstring>
+
 namespace MxXmlLib
 {
 
 namespace
 {
-char const kXsiNamespace[] = "http://www.w3.org/2001/XMLSchema-instance";
-char const kXmlNamespace[] = "http://www.w3.org/XML/1998/namespace";
-
-// Bytes that WriteEscaped must look at: the end and the control characters
-// other than backspace, tab and form feed, which are copied as they stand.
-struct SpecialBytes
-{
-    bool table[256] = {};
-    constexpr SpecialBytes()
-    {
-        for (unsigned c = 0; c < 0x20; ++c)
-            table[c] = c != 0x08 && c != 0x09 && c != 0x0C;
-    }
-    constexpr bool operator[](unsigned char c) const { return table[c]; }
-};
-constexpr SpecialBytes kSpecial;
+// Bytes that WriteEscaped must look at: the control characters other than
+// backspace, tab and form feed, which are copied as they stand.
+constexpr CByteSet kSpecial([](unsigned c) { return c < 0x20 && c != 0x08 && c != 0x09 && c != 0x0C; });
 
 // The types whose text is a JSON number or boolean as CConversions gives it.
 bool IsUnquoted(ItemType type)
@@ -33,58 +22,24 @@ bool IsUnquoted(ItemType type)
 } // namespace
 
 CJsonTextWriter::CJsonTextWriter(CTextStream *stream)
-    : m_indentChars("\t"), m_eolString("\n"), m_eolMode(LF), m_roundTrip(RoundTripFull), m_formatted(true),
-      m_stream(stream), m_valuePending(false)
+    : CTextWriter(stream), m_roundTrip(RoundTripFull), m_valuePending(false)
 {
 }
 
 CJsonTextWriter::~CJsonTextWriter() = default;
 
-void CJsonTextWriter::SetEolType(EOLType type)
-{
-    if (type == CRLF)
-        m_eolString = "\r\n";
-    else if (type == LF)
-        m_eolString = "\n";
-    else
-        throw CMxException("Invalid EOL type.");
-    m_eolMode = type;
-}
-
-void CJsonTextWriter::WriteIndent(std::int32_t depth)
-{
-    if (depth <= 0)
-        return;
-    std::string indent;
-    indent.reserve(m_indentChars.size() * static_cast<std::size_t>(depth));
-    for (std::int32_t i = 0; i < depth; ++i)
-        indent += m_indentChars;
-    Write(indent);
-}
-
-void CJsonTextWriter::StartDocument()
-{
-    m_stream->Start();
-}
-
-void CJsonTextWriter::EndDocument()
-{
-    m_stream->End();
-    CXmlWriter::EndDocument();
-}
-
 void CJsonTextWriter::WriteDocumentStart()
 {
     Put('{');
     if (m_formatted)
-        Write(m_eolString);
+        WriteEndOfLine();
     FlushCheck();
 }
 
 void CJsonTextWriter::WriteDocumentEnd()
 {
     if (m_formatted)
-        Write(m_eolString);
+        WriteEndOfLine();
     Put('}');
 }
 
@@ -93,7 +48,7 @@ void CJsonTextWriter::WriteComment(std::string const &text)
     Write("/* ", 3);
     WriteEscaped(text.c_str());
     Write(" */", 3);
-    Write(m_eolString);
+    WriteEndOfLine();
     FlushCheck();
 }
 
@@ -118,13 +73,13 @@ void CJsonTextWriter::WriteSeparator(Context *context)
         {
             for (Context *c = context; c; c = c->GetParent())
                 ++c->Depth;
-            Write(m_eolString);
+            WriteEndOfLine();
             WriteIndent(context->Depth);
         }
     }
     Put(m_valuePending ? '{' : ',');
     if (m_formatted)
-        Write(m_eolString);
+        WriteEndOfLine();
 }
 
 void CJsonTextWriter::WriteDeclaration(Context *context, std::string const &prefix, std::string const &uri)
@@ -186,18 +141,12 @@ void CJsonTextWriter::StartElement(std::string const &localName, std::string con
         }
         else
         {
-            std::string prefix;
             bool generated = false;
-            if (std::string const *mapped = context->FindPrefix(namespaceUri))
-                prefix = *mapped;
-            else if (!isRoot)
-                throw CMxException(FormatString("Unknown Namespace: %s.", localName.c_str()));
-            else
-            {
-                prefix = context->GeneratePrefix();
-                context->AddNamespace(prefix, namespaceUri);
+            std::string const &prefix = PrefixFor(*context, namespaceUri, [&](std::string const &) {
+                if (!isRoot)
+                    throw CMxException(FormatString("Unknown Namespace: %s.", localName.c_str()));
                 generated = true;
-            }
+            });
             Put('"');
             Write(prefix);
             Put(':');
@@ -208,17 +157,9 @@ void CJsonTextWriter::StartElement(std::string const &localName, std::string con
                 WriteDeclaration(context, prefix, namespaceUri);
         }
         if (isRoot)
-        {
-            if (!m_defaultNamespace.empty())
-                WriteDeclaration(context, std::string(), m_defaultNamespace);
-            for (auto const &entry : m_namespaceMap)
-            {
-                // A prefix test, not equality: nothing under the XML namespace is declared.
-                if (entry.first.compare(0, sizeof(kXmlNamespace) - 1, kXmlNamespace) == 0)
-                    continue;
-                WriteDeclaration(context, entry.second, entry.first);
-            }
-        }
+            ForEachRootDeclaration([&](std::string const &mapped, std::string const &uri) {
+                WriteDeclaration(context, mapped, uri);
+            });
         FlushCheck();
     }
     catch (...)
@@ -237,7 +178,7 @@ void CJsonTextWriter::WriteText(std::string const &value, ItemType type, bool)
         Put(',');
         if (m_formatted)
         {
-            Write(m_eolString);
+            WriteEndOfLine();
             WriteIndent(context.Depth + 1);
         }
         if (m_roundTrip != RoundTripNone)
@@ -258,7 +199,7 @@ void CJsonTextWriter::EndElement()
         context.ArrayState = Context::ArrayNone;
         if (m_formatted)
         {
-            Write(m_eolString);
+            WriteEndOfLine();
             WriteIndent(context.Depth);
             for (Context *c = &context; c; c = c->GetParent())
                 if (c->Depth > 1)
@@ -270,7 +211,7 @@ void CJsonTextWriter::EndElement()
     {
         if (m_formatted)
         {
-            Write(m_eolString);
+            WriteEndOfLine();
             WriteIndent(context.Depth);
         }
         Put('}');
@@ -296,11 +237,11 @@ void CJsonTextWriter::WriteAttribute(std::string const &localName, std::string c
     else
     {
         // Unlike an element, an attribute never takes the default namespace.
-        std::string const *prefix = context.FindPrefix(namespaceUri);
-        if (prefix == nullptr)
+        std::string const &prefix = PrefixFor(context, namespaceUri, [&](std::string const &) {
             throw CMxException(FormatString("Unknown Namespace: %s.", localName.c_str()));
+        });
         Write("\"@", 2);
-        Write(*prefix);
+        Write(prefix);
         Put(':');
     }
     Write(localName);
@@ -314,17 +255,9 @@ void CJsonTextWriter::WriteTypeAttribute(std::string const &typeNamespace, std::
 {
     if (m_roundTrip != RoundTripFull)
         return;
-    Context &context = Current();
-    std::string value;
-    if (!typeNamespace.empty() && typeNamespace != context.GetEffectiveDefaultNamespace())
-    {
-        std::string const *prefix = context.FindPrefix(typeNamespace);
-        if (prefix == nullptr)
-            throw CMxException(FormatString("Unknown Namespace: %s.", typeName.c_str()));
-        value = *prefix + ":" + typeName;
-    }
-    else
-        value = typeName;
+    std::string const value = TypeValue(Current(), typeNamespace, typeName, [&](std::string const &) {
+        throw CMxException(FormatString("Unknown Namespace: %s.", typeName.c_str()));
+    });
     WriteAttribute("type", kXsiNamespace, value, type);
 }
 
@@ -343,39 +276,15 @@ void CJsonTextWriter::WriteValue(std::string const &value, ItemType type)
 void CJsonTextWriter::WriteEscaped(char const *text)
 {
     static char const kHex[] = "0123456789ABCDEF";
-    char const *run = text;
-    char const *p = text;
-    for (;; ++p)
-    {
-        unsigned char const c = static_cast<unsigned char>(*p);
-        // Most bytes are copied: scan them as one run.
-        if (!kSpecial[c])
-            continue;
-        if (p > run)
-            Write(run, static_cast<std::size_t>(p - run));
-        run = p + 1;
-        switch (c)
-        {
-        case 0x00:
-            return;
-        case 0x0A:
-            if (m_eolMode == CRLF)
-                Write("\r\n", 2);
-            else if (m_eolMode == LF)
-                Put('\n');
-            else
-                throw CMxException("Invalid EOL type.");
-            break;
-        case 0x0D:
-            break;
-        default:
+    WriteEscapedRuns(text, text + std::strlen(text), kSpecial, [&](unsigned char c) {
+        if (c == 0x0A)
+            WriteEndOfLine();
+        else if (c != 0x0D)
         {
             char const escape[6] = {'\\', 'u', '0', '0', kHex[c >> 4], kHex[c & 0x0F]};
             Write(escape, sizeof escape);
-            break;
         }
-        }
-    }
+    });
 }
 
 } // namespace MxXmlLib

@@ -1,9 +1,7 @@
 #pragma once
 
-#include "document/XmlWriter.h"
+#include "document/TextWriter.h"
 #include "json/JsonContext.h"
-#include "runtime/OptionEnums.h"
-#include "runtime/TextStream.h"
 
 namespace MxXmlLib
 {
@@ -17,14 +15,12 @@ namespace MxXmlLib
 // they are), and elements without content leave their key without a value:
 // the output is valid JSON only for documents that avoid these cases.
 // CJsonStrictWriter, chosen by CJsonContext::SetStrict, writes valid JSON always.
-class CJsonTextWriter : public CXmlWriter
+class CJsonTextWriter : public CTextWriter
 {
 public:
     explicit CJsonTextWriter(CTextStream *stream);
     ~CJsonTextWriter() override;
 
-    void StartDocument() override;
-    void EndDocument() override;
     // "/* text */" and a line end, formatted or not.
     void WriteComment(std::string const &text) override;
     void WriteProcessingInstruction(std::string const &text) override;
@@ -44,11 +40,7 @@ public:
     // A nil element is written as one without content.
     void WriteNilAttribute() override;
 
-    // Raises "Invalid EOL type." for anything but CRLF and LF.
-    void SetEolType(EOLType type);
-    void SetIndentChars(std::string const &indent) { m_indentChars = indent; }
     void SetRoundTrip(JsonRoundTrip value) { m_roundTrip = value; }
-    void SetFormatted(bool value) { m_formatted = value; }
 
     // The document's braces, written by the frames around the root element.
     void WriteDocumentStart();
@@ -57,24 +49,14 @@ public:
 protected:
     using Context = CXmlWriterContext;
 
-    void Put(char c) { m_stream->Put(c); }
-    void Write(std::string const &text) { m_stream->Write(text.data(), text.size()); }
-    void Write(char const *text, std::size_t length) { m_stream->Write(text, length); }
-    void WriteIndent(std::int32_t depth);
     void WriteSeparator(Context *context);
     // Text as it goes between quotation marks.
     void WriteEscaped(char const *text);
     void WriteValue(std::string const &value, ItemType type);
     // "@xmlns" (empty prefix) or "@xmlns:<prefix>" with its URI, as a member of `context`.
     void WriteDeclaration(Context *context, std::string const &prefix, std::string const &uri);
-    void FlushCheck() { CXmlWriter::FlushCheck(*m_stream); }
 
-    std::string m_indentChars;
-    std::string m_eolString;
-    EOLType m_eolMode;
     JsonRoundTrip m_roundTrip;
-    bool m_formatted;
-    CTextStream *m_stream;
     // The current element has its key and no member yet: whether its value is
     // bare or an object is still open.
     bool m_valuePending;

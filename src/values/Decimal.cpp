@@ -209,10 +209,31 @@ std::string CDecimal::ToString() const
 {
     if (fractionPart.IsZero()) // never empty, no high zeros: zero is the one digit 0
         return integerPart.ToString();
-    std::string text = integerPart.sign < 0 ? "-" : "";
-    text += integerPart.GetAbs().ToString();
+    // Both magnitudes written straight from their digits into one string, as
+    // GetAbs().ToString() would give them: a value written out is the common
+    // case of every document, and copies of the parts would cost allocations.
+    auto magnitudeLength = [](CBigInteger const &part) {
+        return part.digits.empty() || part.IsZero() ? std::size_t(1) : part.digits.size();
+    };
+    auto appendMagnitude = [](std::string &text, CBigInteger const &part) {
+        if (part.digits.empty() || part.IsZero())
+            text += '0';
+        else
+            for (std::size_t i = part.digits.size(); i-- > 0;)
+                text += static_cast<char>('0' + part.digits[i]);
+    };
+    std::size_t const fractionLength = magnitudeLength(fractionPart);
+    std::size_t const padding = fractionDivider > 0 && fractionLength < static_cast<std::size_t>(fractionDivider)
+                                    ? static_cast<std::size_t>(fractionDivider) - fractionLength
+                                    : 0;
+    std::string text;
+    text.reserve(2 + magnitudeLength(integerPart) + padding + fractionLength);
+    if (integerPart.sign < 0)
+        text += '-';
+    appendMagnitude(text, integerPart);
     text += '.';
-    text += PadLeft(fractionPart.GetAbs().ToString(), fractionDivider);
+    text.append(padding, '0');
+    appendMagnitude(text, fractionPart);
     return text;
 }
 

@@ -314,10 +314,22 @@ template <typename T> void MxVariant::SetHeap(ItemType type, T const &value)
     SetPointer(copy);
 }
 
+template <typename T> T const *MxVariant::HeapPointer() const
+{
+    return StorageOf(m_type) == StorageFor<T>() ? Pointer<T>() : nullptr;
+}
+
 template <typename T> T MxVariant::GetHeap() const
 {
-    T const *p = StorageOf(m_type) == StorageFor<T>() ? Pointer<T>() : nullptr;
+    T const *p = HeapPointer<T>();
     return p ? *p : T();
+}
+
+template <typename T, typename F> std::string MxVariant::HeapToString(F const &toString) const
+{
+    if (T const *p = HeapPointer<T>())
+        return toString(*p);
+    return toString(T());
 }
 
 void MxVariant::SetString(std::string const &value) { SetHeap(ItemType_string, value); }
@@ -427,21 +439,23 @@ std::string MxVariant::ToString(char const *format) const
     case ItemType_boolean:
         return CConversions::booleanToString(GetBoolean());
     case ItemType_hexBinary:
-        return CConversions::hexBinaryToString(GetHexBinary());
+        return HeapToString<CBinaryData>([](CBinaryData const &v) { return CConversions::hexBinaryToString(v); });
     case ItemType_base64Binary:
-        return CConversions::base64BinaryToString(GetBase64Binary());
+        return HeapToString<CBinaryData>([](CBinaryData const &v) { return CConversions::base64BinaryToString(v); });
     case ItemType_duration:
-        return CConversions::durationToString(GetDuration());
+        return HeapToString<CDateTimeSpan>([](CDateTimeSpan const &v) { return CConversions::durationToString(v); });
     case ItemType_yearMonth:
     case ItemType_monthDay:
     case ItemType_date:
     case ItemType_datetime:
     case ItemType_time:
-        return CConversions::dateToString(GetDate());
+        return HeapToString<CDateTime>([](CDateTime const &v) { return CConversions::dateToString(v); });
     case ItemType_decimal:
-        return CConversions::decimalToString(GetDecimal(), format);
+        return HeapToString<CDecimal>([format](CDecimal const &v) {
+            return *format ? CConversions::decimalToString(v, format) : CConversions::decimalToString(v);
+        });
     case ItemType_integer:
-        return CConversions::integerToString(GetInteger());
+        return HeapToString<CBigInteger>([](CBigInteger const &v) { return CConversions::integerToString(v); });
     default:
         ThrowNoTextForm(m_type);
     }

@@ -183,6 +183,10 @@ private:
     void SetPointer(void const *pointer);
     template <typename T> void SetHeap(ItemType type, T const &value);
     template <typename T> T GetHeap() const;
+    // The stored value itself, or null when the cell holds no T.
+    template <typename T> T const *HeapPointer() const;
+    // ToString of a value class, read in place: no copy for the text.
+    template <typename T, typename F> std::string HeapToString(F const &toString) const;
 
     std::uint8_t Read8() const;
     std::uint16_t Read16() const;

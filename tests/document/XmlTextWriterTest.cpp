@@ -96,6 +96,19 @@ TEST(XmlTextWriter, WritesExactText)
              w.EndElement();
          },
          Formatted(CRLF, "  "), "<a>\r\n  <b/>\r\n</a>\r\n"},
+        {"a new indent applies from the next line, an empty one indents nothing",
+         [](auto &w) {
+             w.StartElement("a", "");
+             w.StartElement("b", "");
+             Element(w, "c", "");
+             w.SetIndent("-");
+             Element(w, "d", "");
+             w.EndElement();
+             w.SetIndent("");
+             Element(w, "e", "");
+             w.EndElement();
+         },
+         Formatted(LF, "  "), "<a>\n  <b>\n    <c/>\n--<d/>\n-</b>\n<e/>\n</a>\n"},
         {"unformatted",
          [](auto &w) {
              w.StartElement("a", "");

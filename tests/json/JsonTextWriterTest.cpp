@@ -277,7 +277,7 @@ TEST(JsonTextWriter, IndentsWithTheContextsIndentCharacters)
 {
     CTextStream stream;
     CJsonTextWriter writer(&stream);
-    writer.SetIndentChars("  ");
+    writer.SetIndent("  ");
     writer.WriteDocumentStart();
     ReplayXml("<a><b>1</b></a>", writer);
     writer.WriteDocumentEnd();
