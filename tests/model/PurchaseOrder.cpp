@@ -143,7 +143,7 @@ static void BuildAddress(Tables &t)
         new CElementInfoSeqPrimMnd("state", kPoNamespace, 4, false, ItemType_string, nullptr, Rule::None,
                                    NoFacets(), nullptr),
         new CElementInfoSeqPrimMnd("zip", kPoNamespace, 5, false, ItemType_string, nullptr, Rule::Collapse,
-                                   CPrimitiveRestrictions("\\d{5}(-\\d{4})?", -1, -1, nullptr, nullptr, nullptr,
+                                   CPrimitiveRestrictions("\\p{Nd}{5}(?:-\\p{Nd}{4})?", -1, -1, nullptr, nullptr, nullptr,
                                                           nullptr, -1, -1, -1),
                                    nullptr),
         nullptr};
@@ -306,7 +306,7 @@ static void BuildItem(Tables &t)
         nullptr};
     t.attributes = new CAttributeInfo *[2]{
         new CAttributeInfoPrimitive("partNum", "", 0, false, ItemType_string, nullptr, Rule::Collapse,
-                                    CPrimitiveRestrictions("\\d{3}-[A-Z]{2}", -1, -1, nullptr, nullptr, nullptr,
+                                    CPrimitiveRestrictions("\\p{Nd}{3}-[A-Z]{2}", -1, -1, nullptr, nullptr, nullptr,
                                                            nullptr, -1, -1, -1),
                                     nullptr),
         nullptr};
