@@ -217,6 +217,22 @@ TEST_F(DynamicSchemaTest, UndeclaredRootIsNamed)
 
 // A QName value's prefix is declared on the element that holds the value,
 // once however often the value uses it, and JSON carries it back.
+// The XML of `object`, read back from its strict JSON with full round
+// trips and from its Fast Infoset written to read back as XML, is `xml`.
+void ExpectJsonAndFastInfosetReadBack(CSchemaSet const &set, CXmlObjectBase &object, std::string const &xml)
+{
+    CSerializationContext const &context = CSerializationContext::GetDefaultContext();
+    CSerializationContext json;
+    json.GetJsonContext().SetSupportRoundtrip(RoundTripFull);
+    json.GetJsonContext().SetStrict(true);
+    json.GetNamespaceAliases().Add("xsi", "http://www.w3.org/2001/XMLSchema-instance");
+    EXPECT_EQ(xml, set.Read(Bytes(object.ToJson(false, LF, json)), json)->ToXml(false, false, LF, context));
+    CSerializationContext fi;
+    fi.GetFIContext().SetReadsBackAsXml(true);
+    EXPECT_EQ(xml,
+              set.Read(object.ToFastInfosetStream(FInfoDecl_None, fi), context)->ToXml(false, false, LF, context));
+}
+
 TEST_F(DynamicSchemaTest, QNamePrefixesAreDeclaredOnceWhereTheValueIs)
 {
     std::string const schema =
@@ -265,14 +281,7 @@ TEST_F(DynamicSchemaTest, QNamePrefixesAreDeclaredOnceWhereTheValueIs)
             std::string const xml = object->ToXml(false, false, LF, context);
             EXPECT_EQ(c.xml, xml);
             EXPECT_EQ("", XercesValidate({schema}, xml));
-            CSerializationContext json;
-            json.GetJsonContext().SetSupportRoundtrip(RoundTripFull);
-            json.GetJsonContext().SetStrict(true);
-            EXPECT_EQ(xml, set.Read(Bytes(object->ToJson(false, LF, json)), json)->ToXml(false, false, LF, context));
-            CSerializationContext fi;
-            fi.GetFIContext().SetReadsBackAsXml(true);
-            EXPECT_EQ(xml, set.Read(object->ToFastInfosetStream(FInfoDecl_None, fi), context)
-                               ->ToXml(false, false, LF, context));
+            ExpectJsonAndFastInfosetReadBack(set, *object, xml);
         }
         catch (CMxException const &e)
         {
@@ -281,10 +290,10 @@ TEST_F(DynamicSchemaTest, QNamePrefixesAreDeclaredOnceWhereTheValueIs)
     }
 }
 
-// With ReadsBackAsXml, xsi:type travels in Fast Infoset under a prefix
-// of the XSI namespace (as in XML text) and the derived type reads back,
-// also where the type's prefix is one the writer made for the root's name.
-TEST_F(DynamicSchemaTest, XsiTypeReadsBackFromFastInfosetWithReadsBackAsXml)
+// xsi:type reads back from JSON, and from Fast Infoset with ReadsBackAsXml,
+// where it travels under a prefix of the XSI namespace as in XML text, also
+// where the type's prefix is one the writer made for the root's name.
+TEST_F(DynamicSchemaTest, XsiTypeReadsBackFromJsonAndFastInfoset)
 {
     struct
     {
@@ -315,11 +324,7 @@ TEST_F(DynamicSchemaTest, XsiTypeReadsBackFromFastInfosetWithReadsBackAsXml)
         try
         {
             CSmartPtr<CXmlObjectBase> object = set.Read(Bytes(c.document), context);
-            std::string const xml = object->ToXml(false, false, LF, context);
-            CSerializationContext fi;
-            fi.GetFIContext().SetReadsBackAsXml(true);
-            EXPECT_EQ(xml, set.Read(object->ToFastInfosetStream(FInfoDecl_None, fi), context)
-                               ->ToXml(false, false, LF, context));
+            ExpectJsonAndFastInfosetReadBack(set, *object, object->ToXml(false, false, LF, context));
         }
         catch (CMxException const &e)
         {
@@ -356,15 +361,7 @@ TEST_F(DynamicSchemaTest, XsiTypeOnASimpleTypePicksTheDerivedType)
     EXPECT_EQ("<r><v>AB</v><v xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:type=\"Lower\">ab</v></r>",
               xml);
     EXPECT_EQ("", XercesValidate({schema}, xml));
-    CSerializationContext json;
-    json.GetJsonContext().SetSupportRoundtrip(RoundTripFull);
-    json.GetJsonContext().SetStrict(true);
-    json.GetNamespaceAliases().Add("xsi", "http://www.w3.org/2001/XMLSchema-instance");
-    EXPECT_EQ(xml, set.Read(Bytes(object->ToJson(false, LF, json)), json)->ToXml(false, false, LF, context));
-    CSerializationContext fi;
-    fi.GetFIContext().SetReadsBackAsXml(true);
-    EXPECT_EQ(xml,
-              set.Read(object->ToFastInfosetStream(FInfoDecl_None, fi), context)->ToXml(false, false, LF, context));
+    ExpectJsonAndFastInfosetReadBack(set, *object, xml);
     // The derived type's pattern holds; the base's maxLength still does.
     for (char const *bad : {"<v xsi:type='Lower'>AB</v>", "<v xsi:type='Lower'>abcdef</v>"})
     {
