@@ -547,10 +547,15 @@ private:
     // b unbounded). The rows read greedily, so the group would take every
     // element in its first round and miss its minimum. Not for untyped
     // elements or wildcards: their collections hold no bounds, which the
-    // group's row checks.
+    // group's row checks; nor for xs:anySimpleType, whose elements carry
+    // xsi:type, which a value row refuses but a collection of values would
+    // pass over.
     bool FlattenRepeatedGroup(int index, Group group, XSParticle *only, int min, int max, int depth)
     {
-        if (only->getTermType() != XSParticle::TERM_ELEMENT || Untyped(only->getElementTerm()->getTypeDefinition()))
+        if (only->getTermType() != XSParticle::TERM_ELEMENT)
+            return false;
+        XSTypeDefinition *type = only->getElementTerm()->getTypeDefinition();
+        if (Untyped(type) || IsXsd(type, "anySimpleType"))
             return false;
         long long const a = only->getMinOccurs();
         bool const unboundedInner = only->getMaxOccursUnbounded();
