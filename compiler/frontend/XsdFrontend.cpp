@@ -349,11 +349,15 @@ private:
     }
 
     // Whether xsi:type may name a type other than `type` itself: a named
-    // simple type of the schema set from which others derive. (Built-in
-    // types keep their value rows: xsi:type naming a restriction of
-    // xs:string would otherwise turn every string of a schema into a class.)
+    // simple type of the schema set from which others derive, or
+    // xs:anySimpleType, whose elements say by xsi:type which type their
+    // value has. (Other built-in types keep their value rows: xsi:type
+    // naming a restriction of xs:string would otherwise turn every string
+    // of a schema into a class.)
     bool Substitutable(XSSimpleTypeDefinition *type) const
     {
+        if (IsXsd(type, "anySimpleType"))
+            return true;
         return !type->getAnonymous() && Utf8(type->getNamespace()) != kXsdNamespace &&
                m_simpleDerived.count(type) != 0;
     }

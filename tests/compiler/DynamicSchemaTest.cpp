@@ -333,40 +333,64 @@ TEST_F(DynamicSchemaTest, XsiTypeReadsBackFromJsonAndFastInfoset)
     }
 }
 
-// An element of a named simple type from which others derive takes
-// xsi:type like a complex one: the derived type's facets check the value,
-// and the type is written back and survives JSON and Fast Infoset.
-TEST_F(DynamicSchemaTest, XsiTypeOnASimpleTypePicksTheDerivedType)
+// An element of a named simple type from which others derive, or of
+// xs:anySimpleType, takes xsi:type like a complex one: the named type's
+// facets check the value, and the type is written back and survives JSON
+// and Fast Infoset.
+TEST_F(DynamicSchemaTest, XsiTypeOnASimpleTypePicksTheNamedType)
 {
-    std::string const schema = WriteTemp(
-        "xsi-simple.xsd",
-        "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'><xs:simpleType name='Base'><xs:restriction "
-        "base='xs:string'><xs:maxLength value='5'/></xs:restriction></xs:simpleType><xs:simpleType name='Lower'>"
-        "<xs:restriction base='Base'><xs:pattern value='[a-z]+'/></xs:restriction></xs:simpleType>"
-        "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='v' type='Base' maxOccurs='3'/>"
-        "</xs:sequence></xs:complexType></xs:element></xs:schema>");
-    CSchemaSet const set = CSchemaSet::Load({schema});
+    struct
+    {
+        char const *name;
+        char const *schemaBody;
+        char const *content;
+        char const *xml;
+        std::vector<char const *> refused;
+    } const cases[] = {
+        {"derived", "<xs:simpleType name='Base'><xs:restriction base='xs:string'><xs:maxLength value='5'/>"
+                    "</xs:restriction></xs:simpleType><xs:simpleType name='Lower'><xs:restriction base='Base'>"
+                    "<xs:pattern value='[a-z]+'/></xs:restriction></xs:simpleType><xs:element name='r'>"
+                    "<xs:complexType><xs:sequence><xs:element name='v' type='Base' maxOccurs='3'/></xs:sequence>"
+                    "</xs:complexType></xs:element>",
+         "<v>AB</v><v xsi:type='Lower'>ab</v>",
+         "<r><v>AB</v><v xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:type=\"Lower\">ab</v></r>",
+         // The derived type's pattern holds; the base's maxLength still does.
+         {"<v xsi:type='Lower'>AB</v>", "<v xsi:type='Lower'>abcdef</v>"}},
+        {"anySimpleType", "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='v' "
+                          "type='xs:anySimpleType' maxOccurs='2'/></xs:sequence></xs:complexType></xs:element>",
+         "<v xsi:type='xs:int'> 1 </v><v>free text</v>",
+         "<r><v xmlns:AA=\"http://www.w3.org/2001/XMLSchema\"  xmlns:AB=\"http://www.w3.org/2001/XMLSchema-instance\" "
+         "AB:type=\"AA:int\">1</v><v>free text</v></r>",
+         {"<v xsi:type='xs:int'>x</v>", "<v xsi:type='xs:nothing'>1</v>"}},
+    };
     CSerializationContext const &context = CSerializationContext::GetDefaultContext();
-    std::string const xsi = " xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'";
-    CSmartPtr<CXmlObjectBase> object;
-    try
+    std::string const open = "<r xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' "
+                             "xmlns:xs='http://www.w3.org/2001/XMLSchema'>";
+    for (auto const &c : cases)
     {
-        object = set.Read(Bytes("<r" + xsi + "><v>AB</v><v xsi:type='Lower'>ab</v></r>"), context);
-    }
-    catch (CMxException const &e)
-    {
-        FAIL() << e.GetFullMessage();
-    }
-    std::string const xml = object->ToXml(false, false, LF, context);
-    EXPECT_EQ("<r><v>AB</v><v xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:type=\"Lower\">ab</v></r>",
-              xml);
-    EXPECT_EQ("", XercesValidate({schema}, xml));
-    ExpectJsonAndFastInfosetReadBack(set, *object, xml);
-    // The derived type's pattern holds; the base's maxLength still does.
-    for (char const *bad : {"<v xsi:type='Lower'>AB</v>", "<v xsi:type='Lower'>abcdef</v>"})
-    {
-        SCOPED_TRACE(bad);
-        EXPECT_THROW(set.Read(Bytes("<r" + xsi + ">" + bad + "</r>"), context), CMxException);
+        SCOPED_TRACE(c.name);
+        std::string const schema =
+            WriteTemp(std::string("xsi-simple-") + c.name + ".xsd",
+                      std::string("<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema'>") + c.schemaBody +
+                          "</xs:schema>");
+        CSchemaSet const set = CSchemaSet::Load({schema});
+        try
+        {
+            CSmartPtr<CXmlObjectBase> object = set.Read(Bytes(open + c.content + "</r>"), context);
+            std::string const xml = object->ToXml(false, false, LF, context);
+            EXPECT_EQ(c.xml, xml);
+            EXPECT_EQ("", XercesValidate({schema}, xml));
+            ExpectJsonAndFastInfosetReadBack(set, *object, xml);
+        }
+        catch (CMxException const &e)
+        {
+            ADD_FAILURE() << e.GetFullMessage();
+        }
+        for (char const *bad : c.refused)
+        {
+            SCOPED_TRACE(bad);
+            EXPECT_THROW(set.Read(Bytes(open + bad + "</r>"), context), CMxException);
+        }
     }
 }
 
