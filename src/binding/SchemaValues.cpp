@@ -489,19 +489,21 @@ void CollectSchemaValuePrefixes(CXmlElement const *element, CSchemaValueType con
         cell.GetTypeAsEnum() != ItemType_string)
         return;
     std::string const text = CWhitespaceUtils::ApplyRule(WhitespaceRule::Collapse, cell.GetString());
+    bool defaultNoted = false;
     for (std::string const &item : Items(text))
     {
         std::size_t const colon = item.find(':');
         if (colon == std::string::npos)
         {
-            // An unprefixed name is in the default namespace. It is declared
-            // again only where no element child could fall under it.
-            if (element->GetFirstElement() == nullptr)
+            // An unprefixed name is in the default namespace, noted once. It
+            // is declared again only where no element child could fall under it.
+            if (!defaultNoted && element->GetFirstElement() == nullptr)
             {
                 std::string const uri = element->GetDocument()->LookupNamespaceFromAlias("");
                 if (!uri.empty())
                     prefixes.emplace_back(std::string(), uri);
             }
+            defaultNoted = true;
             continue;
         }
         std::string const prefix = item.substr(0, colon);
