@@ -624,9 +624,21 @@ private:
     {
         ClassDef const &c = m.classes[ci];
         for (std::size_t pi = 0; pi < c.properties.size(); ++pi)
-            if (ValueType const *v = FacetedValue(c, pi); (v != nullptr && HoldsQName(*v)) || HoldsUntyped(c.properties[pi]))
+            if (ValueType const *v = FacetedValue(c, pi);
+                (v != nullptr && HoldsQName(*v)) || HoldsUntyped(c.properties[pi]) || InlineGroupWithQNames(ci, pi))
                 return true;
         return false;
+    }
+
+    // Whether property `pi` holds inline groups whose values note prefixes:
+    // the class takes them over and declares them.
+    bool InlineGroupWithQNames(std::size_t ci, std::size_t pi) const
+    {
+        ClassDef const &c = m.classes[ci];
+        if (!HoldsInlineGroup(c, pi))
+            return false;
+        int const child = c.elements[static_cast<std::size_t>(c.properties[pi].row)].classIndex;
+        return child >= 0 && HasQNames(static_cast<std::size_t>(child));
     }
 
     // The declarations that every class of the set needs: enumerations,
@@ -721,9 +733,13 @@ private:
                                 "                             MxXmlLib::CSerializationContext const &context) const "
                                 "override;\n"
                               : ""},
-            {"prefixes", qnames ? "    MxXmlLib::SchemaValuePrefixes m_prefixes;\n" : ""}};
+            {"prefixes", qnames ? "    MxXmlLib::SchemaValuePrefixes m_prefixes;\n" : ""},
+            {"holder", qnames ? ", public MxXmlLib::CSchemaPrefixHolder" : ""},
+            {"holderGet", qnames ? "    MxXmlLib::SchemaValuePrefixes const &GetValuePrefixes() const override { return "
+                                   "m_prefixes; }\n"
+                                 : ""}};
         std::string out = Fill("// $origin$\n"
-                               "class $class$ : public MxXmlLib::CXmlGeneratedClass\n"
+                               "class $class$ : public MxXmlLib::CXmlGeneratedClass$holder$\n"
                                "{\n"
                                "public:\n"
                                "    explicit $class$(char const *elementName = $element$);\n"
@@ -739,6 +755,7 @@ private:
                                "    MxXmlLibData::CElementInfo **GetClassElementInfo() override;\n"
                                "    MxXmlLibData::CAttributeInfo **GetClassAttributeInfo() override;\n"
                                "    void Init() override;\n"
+                               "$holderGet$"
                                "    static void CleanMetaData();\n"
                                "\n"
                                "protected:\n"
@@ -922,6 +939,29 @@ private:
         return out;
     }
 
+    // A document element that no global element declares may name the type
+    // of its content with xsi:type: one case per class a type names.
+    std::string TypeRoots() const
+    {
+        std::string const &here = n.cppNamespace;
+        std::string cases;
+        for (std::size_t ci = 0; ci < m.classes.size(); ++ci)
+        {
+            ClassDef const &c = m.classes[ci];
+            if (c.abstract || m.FindTypeClass(c.name, c.ns) != static_cast<int>(ci))
+                continue;
+            cases += "        if (type == " + Literal(c.name) + " && typeNs == " + Literal(c.ns) +
+                     ")\n            made = Named(new MxXmlLib::CSchemaTypeRoot<" +
+                     ConcreteName(static_cast<int>(ci), false, here) + ">(n.c_str()), root);\n";
+        }
+        if (cases.empty())
+            return std::string();
+        return "    if (made.IsNull() && !MxXmlLib::SchemaElementType(root).empty())\n    {\n"
+               "        std::string const type = MxXmlLib::SchemaElementType(root);\n"
+               "        std::string const typeNs = MxXmlLib::SchemaElementTypeNamespaceUri(root);\n" +
+               cases + "    }\n";
+    }
+
     std::string Factories() const
     {
         std::string const &here = n.cppNamespace;
@@ -963,12 +1003,12 @@ private:
                         "    if (element == nullptr)\n"
                         "        return nullptr;\n"
                         "    std::string const name = element->GetLocalName();\n"
-                        "    std::string const type = GetElementType(element);\n"
+                        "    std::string const type = MxXmlLib::SchemaElementType(element);\n"
                             "    MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> made;\n"
                         "    if (type.empty())\n"
                         "        made = $base$;\n"
                         "    std::string const typeNs = type.empty() ? std::string() : "
-                        "GetElementTypeNamespaceUri(element);\n"
+                        "MxXmlLib::SchemaElementTypeNamespaceUri(element);\n"
                         "$cases$"
                         "    return made;\n"
                         "}\n\n",
@@ -982,7 +1022,7 @@ private:
             if (r.untyped)
             {
                 out += Fill("    if (n == $name$ && u == $ns$)\n"
-                            "        return new MxXmlLib::CElement(name, u.c_str(), \"##any\", u.c_str());\n",
+                            "        return new MxXmlLib::CSchemaUntypedRoot(name, u.c_str());\n",
                             v);
                 continue;
             }
@@ -1012,7 +1052,7 @@ private:
                     "{\n"
                     "    std::string const n = root->GetLocalName(), u = root->GetNamespaceURI();\n"
                     "    MxXmlLib::CSmartPtr<MxXmlLib::CXmlObjectBase> made;\n"
-                    "    if (!GetElementType(root).empty())\n"
+                    "    if (!MxXmlLib::SchemaElementType(root).empty())\n"
                     "    {\n"
                     "        [[maybe_unused]] bool typed = false;\n"
                     "$typed$"
@@ -1025,6 +1065,7 @@ private:
                     "            return made;\n"
                     "    }\n"
                     "    made = CreateRoot(n.c_str(), u.c_str());\n"
+                    "$typeRoots$"
                     "    if (made.IsNull())\n"
                     "        throw MxXmlLib::CMxException(MxXmlLib::FormatString(\n"
                     "            \"The element [%s] is not declared by the schema\", (u.empty() ? n : \"{\" + u + \"}\" "
@@ -1041,7 +1082,7 @@ private:
                     "{\n"
                     "    return MxXmlLib::ReadSchemaDocument(bytes, context, &CFactory::MakeRoot);\n"
                     "}\n\n",
-                    {{"typed", typed}});
+                    {{"typed", typed}, {"typeRoots", TypeRoots()}});
         return out;
     }
 
@@ -1368,7 +1409,9 @@ private:
             if (type < 0)
                 continue;
             std::string body;
-            if (static_cast<int>(pi) == c.simpleContentProperty && MxXmlLib::ReadsSchemaText(c.simpleContent.itemType))
+            if (static_cast<int>(pi) == c.simpleContentProperty && c.hasContentDefault)
+                body += "        MxXmlLib::ApplyContentDefault(" + Literal(c.contentDefault) + ", value);\n";
+            if (static_cast<int>(pi) == c.simpleContentProperty)
                 body += "        MxXmlLib::ConvertSchemaText(SchemaValues().types[" + std::to_string(type) +
                         "], value);\n";
             if (!m_uncheckedTypes[static_cast<std::size_t>(type)])
@@ -1398,6 +1441,8 @@ private:
             else if (type < 0 && HoldsUntyped(c.properties[pi]))
                 collect += "    MxXmlLib::CollectUntypedTypePrefixes(element, m_cells[" + std::to_string(pi) +
                            "], m_prefixes);\n";
+            else if (InlineGroupWithQNames(ci, pi))
+                collect += "    MxXmlLib::CollectInlinePrefixes(m_cells[" + std::to_string(pi) + "], m_prefixes);\n";
         }
         return Fill("MxXmlLib::CXmlElement *$class$::FromXml_Int(MxXmlLib::CXmlElement *element, "
                     "MxXmlLib::CXmlElement *cursor,\n"

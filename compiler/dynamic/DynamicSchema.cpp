@@ -123,6 +123,9 @@ struct SetData : std::enable_shared_from_this<SetData>
     CSmartPtr<CXmlObjectBase> Make(int classIndex, bool nillable, char const *elementName,
                                    std::string const &elementNs) const;
     CSmartPtr<CXmlObjectBase> MakeSubstitute(AbsSlot const &abs, CXmlElement *element) const;
+    // For a document element that no global element declares: the class of
+    // the type its xsi:type names, or null.
+    CSmartPtr<CXmlObjectBase> MakeTypeRoot(CXmlElement *element) const;
 };
 
 int ClassNumber(int setSlot, int classIndex, bool nillable)
@@ -144,15 +147,6 @@ CSmartPtr<CXmlObjectBase> MakeByNumber(int classId, char const *elementName)
     ClassDef const &c = set->model.classes[static_cast<std::size_t>(index)];
     return set->Make(index, (classId & 1) != 0, elementName, c.ns);
 }
-
-// The two questions a factory may put to an element are protected members
-// of the factory base.
-class Factory : public CClassfactoryBase
-{
-public:
-    using CClassfactoryBase::GetElementType;
-    using CClassfactoryBase::GetElementTypeNamespaceUri;
-};
 
 template <std::size_t I> char const *EnumToString(int value)
 {
@@ -456,13 +450,13 @@ CSmartPtr<CXmlObjectBase> SetData::Make(int classIndex, bool nillable, char cons
 
 CSmartPtr<CXmlObjectBase> SetData::MakeSubstitute(AbsSlot const &abs, CXmlElement *element) const
 {
-    std::string const type = Factory::GetElementType(element);
+    std::string const type = SchemaElementType(element);
     int chosen = -1;
     if (type.empty())
         chosen = abs.baseClass;
     else
     {
-        std::string const typeNs = Factory::GetElementTypeNamespaceUri(element);
+        std::string const typeNs = SchemaElementTypeNamespaceUri(element);
         for (int candidate : model.Substitutes(abs.baseClass))
         {
             ClassDef const &c = model.classes[static_cast<std::size_t>(candidate)];
@@ -473,6 +467,16 @@ CSmartPtr<CXmlObjectBase> SetData::MakeSubstitute(AbsSlot const &abs, CXmlElemen
     if (chosen < 0 || model.classes[static_cast<std::size_t>(chosen)].abstract)
         return nullptr;
     return Make(chosen, abs.nillable, element->GetLocalName().c_str(), element->GetNamespaceURI());
+}
+
+CSmartPtr<CXmlObjectBase> SetData::MakeTypeRoot(CXmlElement *element) const
+{
+    std::string const type = SchemaElementType(element);
+    int const c = type.empty() ? -1 : model.FindTypeClass(type, SchemaElementTypeNamespaceUri(element));
+    if (c < 0 || model.classes[static_cast<std::size_t>(c)].abstract)
+        return nullptr;
+    return new CSchemaTypeRoot<CDynamicObject>(shared_from_this(), c, element->GetLocalName().c_str(),
+                                               element->GetNamespaceURI());
 }
 
 CSchemaValueType RuntimeValueType(ValueType const &v)
@@ -615,6 +619,8 @@ void CDynamicObject::AccessProperty(int index, bool read, MxVariant &value)
     // refused here, when it is stored, so that reading an invalid document
     // fails at the element or attribute that holds it.
     int const type = m_set->propertyValueTypes[static_cast<std::size_t>(m_class)][static_cast<std::size_t>(index)];
+    if (GetClass().hasContentDefault && index == GetClass().simpleContentProperty)
+        ApplyContentDefault(GetClass().contentDefault.c_str(), value);
     if (type >= 0 && index == GetClass().simpleContentProperty)
         ConvertSchemaText(m_set->valueTypes[static_cast<std::size_t>(type)], value);
     if (type >= 0)
@@ -746,6 +752,8 @@ CXmlElement *CDynamicObject::FromXml_Int(CXmlElement *element, CXmlElement *curs
                                        m_prefixes);
         else if (HoldsUntyped(properties[i]))
             CollectUntypedTypePrefixes(element, m_cells[i], m_prefixes);
+        else if (HoldsInlineGroup(GetClass(), i))
+            CollectInlinePrefixes(m_cells[i], m_prefixes);
     }
     return next;
 }
@@ -809,7 +817,7 @@ CSmartPtr<CXmlObjectBase> CSchemaSet::CreateRoot(std::string const &name, std::s
     }
     RootElement const &root = m_data->model.roots[static_cast<std::size_t>(r)];
     if (root.untyped)
-        return new CElement(name.c_str(), ns.c_str(), "##any", ns.c_str());
+        return new CSchemaUntypedRoot(name.c_str(), ns.c_str());
     CSmartPtr<CXmlObjectBase> made = m_data->Make(root.classIndex, root.nillable, name.c_str(), ns);
     InitSchemaTree(*static_cast<CDynamicObject *>(made.Get()));
     return made;
@@ -821,7 +829,7 @@ CSmartPtr<CXmlObjectBase> CSchemaSet::CreateFor(CXmlElement *root) const
     std::string const ns = root->GetNamespaceURI();
     int const r = m_data->model.FindRoot(name, ns);
     if (r >= 0 && !m_data->model.roots[static_cast<std::size_t>(r)].untyped &&
-        !Dynamic::Factory::GetElementType(root).empty())
+        !SchemaElementType(root).empty())
     {
         RootElement const &decl = m_data->model.roots[static_cast<std::size_t>(r)];
         Dynamic::AbsSlot const abs{m_data.get(), decl.classIndex, decl.nillable};
@@ -832,6 +840,9 @@ CSmartPtr<CXmlObjectBase> CSchemaSet::CreateFor(CXmlElement *root) const
                 root->GetXPath());
         return made;
     }
+    if (r < 0)
+        if (CSmartPtr<CXmlObjectBase> made = m_data->MakeTypeRoot(root); !made.IsNull())
+            return made;
     return CreateRoot(name, ns);
 }
 

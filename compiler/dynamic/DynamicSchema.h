@@ -30,7 +30,7 @@ struct SetData;
 
 // An object of a loaded class. Properties are numbered as in the model and
 // also reached by name.
-class CDynamicObject : public MxXmlLib::CXmlGeneratedClass
+class CDynamicObject : public MxXmlLib::CXmlGeneratedClass, public MxXmlLib::CSchemaPrefixHolder
 {
 public:
     MxXmlLib::CXmlObjectBase *GetBase() override { return this; }
@@ -52,6 +52,7 @@ public:
     // made (but not filled in themselves: their own read does that).
     void Init() override;
     std::string GetNamespace() const override;
+    MxXmlLib::SchemaValuePrefixes const &GetValuePrefixes() const override { return m_prefixes; }
 
     CDynamicObject(std::shared_ptr<Dynamic::SetData const> set, int classIndex, char const *elementName,
                    std::string elementNamespace);
@@ -73,7 +74,7 @@ private:
     int m_class;
     std::string m_elementNamespace;
     std::vector<MxXmlLib::MxVariant> m_cells;
-    std::vector<std::pair<std::string, std::string>> m_prefixes; // prefix, namespace
+    MxXmlLib::SchemaValuePrefixes m_prefixes;
 };
 
 // A loaded schema set. Copies share the set; the set goes when the last copy

@@ -32,6 +32,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <set>
 
 namespace MxCompiler
@@ -250,6 +251,18 @@ public:
         XSNamedMap<XSObject> *elements = m_xs->getComponents(XSConstants::ELEMENT_DECLARATION);
         for (XMLSize_t i = 0; elements && i < elements->getLength(); ++i)
             AddRoot(static_cast<XSElementDeclaration *>(elements->item(i)));
+        // A set of types alone binds documents only through xsi:type on a
+        // document element that nothing declares, which may name one of its
+        // simple types: each gets a class then. (Complex types always have
+        // theirs; a class per simple type of every set would grow generated
+        // code by a tenth or more for documents that are rare.)
+        bool const typesOnly = elements == nullptr || elements->getLength() == 0;
+        for (XMLSize_t i = 0; typesOnly && types && i < types->getLength(); ++i)
+        {
+            auto *t = static_cast<XSTypeDefinition *>(types->item(i));
+            if (t->getTypeCategory() == XSTypeDefinition::SIMPLE_TYPE && Utf8(t->getNamespace()) != kXsdNamespace)
+                TypedSimpleClass(static_cast<XSSimpleTypeDefinition *>(t));
+        }
         while (!m_pending.empty())
         {
             auto const [index, type] = m_pending.front();
@@ -330,8 +343,10 @@ private:
                    XSComplexTypeDefinition::CONTENTTYPE_MIXED;
     }
 
-    // A class with no rows that holds a simple value as its text.
-    int SimpleClass(XSSimpleTypeDefinition *type, std::string const &name, std::string const &ns)
+    // A class with no rows that holds a simple value as its text; `constraint`
+    // is the element's default or fixed value, if it has one.
+    int SimpleClass(XSSimpleTypeDefinition *type, std::string const &name, std::string const &ns,
+                    std::string const *constraint = nullptr)
     {
         int const index = static_cast<int>(m_model.classes.size());
         ClassDef c;
@@ -344,6 +359,11 @@ private:
         c.simpleContentProperty = 0;
         c.properties.push_back({"value", Property::Holds::Value, -1, -1});
         c.origin = "element " + name;
+        if (constraint != nullptr)
+        {
+            c.hasContentDefault = true;
+            c.contentDefault = *constraint;
+        }
         m_model.classes.push_back(c);
         return index;
     }
@@ -354,24 +374,29 @@ private:
     // value has. (Other built-in types keep their value rows: xsi:type
     // naming a restriction of xs:string would otherwise turn every string
     // of a schema into a class.)
-    bool Substitutable(XSSimpleTypeDefinition *type) const
+    //
+    // A document element is a class whatever its type, so there a built-in
+    // type from which types of the set derive is substitutable too.
+    bool Substitutable(XSSimpleTypeDefinition *type, bool documentElement = false) const
     {
         if (IsXsd(type, "anySimpleType"))
             return true;
-        return !type->getAnonymous() && Utf8(type->getNamespace()) != kXsdNamespace &&
+        return !type->getAnonymous() && (documentElement || Utf8(type->getNamespace()) != kXsdNamespace) &&
                m_simpleDerived.count(type) != 0;
     }
 
     // The class of a named simple type whose derivations xsi:type may pick:
-    // the value as its text, one class per derived type below it.
-    int TypedSimpleClass(XSSimpleTypeDefinition *type)
+    // the value as its text, one class per derived type below it. An element
+    // with a default or fixed value gets classes of its own that know it.
+    int TypedSimpleClass(XSSimpleTypeDefinition *type, std::string const *constraint = nullptr)
     {
-        auto const found = m_simpleClasses.find(type);
+        auto const key = std::make_pair(type, constraint ? std::optional<std::string>(*constraint) : std::nullopt);
+        auto const found = m_simpleClasses.find(key);
         if (found != m_simpleClasses.end())
             return found->second;
         std::string const name = Utf8(type->getName());
-        int const index = SimpleClass(type, name, Utf8(type->getNamespace()));
-        m_simpleClasses[type] = index;
+        int const index = SimpleClass(type, name, Utf8(type->getNamespace()), constraint);
+        m_simpleClasses[key] = index;
         Class(index).anonymous = false;
         Class(index).origin = "simple type " + name;
         auto const derived = m_simpleDerived.find(type);
@@ -379,7 +404,7 @@ private:
             return index;
         for (XSSimpleTypeDefinition *d : derived->second)
         {
-            int const child = TypedSimpleClass(d);
+            int const child = TypedSimpleClass(d, constraint);
             Class(child).baseClass = index;
             Class(child).hasBaseClasses = true;
             Class(index).derived.push_back(child);
@@ -403,9 +428,12 @@ private:
         {
             auto *simple = static_cast<XSSimpleTypeDefinition *>(type);
             root.value = ValueFor(simple, root.name);
-            root.classIndex = Substitutable(simple) && e->getConstraintType() == XSConstants::VALUE_CONSTRAINT_NONE
-                                  ? TypedSimpleClass(simple)
-                                  : SimpleClass(simple, root.name, root.ns);
+            std::optional<std::string> constraint;
+            if (e->getConstraintType() != XSConstants::VALUE_CONSTRAINT_NONE)
+                constraint = Utf8(e->getConstraintValue());
+            std::string const *given = constraint ? &*constraint : nullptr;
+            root.classIndex = Substitutable(simple, true) ? TypedSimpleClass(simple, given)
+                                                    : SimpleClass(simple, root.name, root.ns, given);
         }
         m_model.roots.push_back(root);
     }
@@ -549,21 +577,22 @@ private:
     // element a..b times each: the element alone, occurring min*a..max*b
     // times, where those counts are all that the two allow (a of 0 or 1, or
     // b unbounded). The rows read greedily, so the group would take every
-    // element in its first round and miss its minimum. Not for untyped
-    // elements or wildcards: their collections hold no bounds, which the
-    // group's row checks; nor for xs:anySimpleType, whose elements carry
-    // xsi:type, which a value row refuses but a collection of values would
-    // pass over.
+    // element in its first round and miss its minimum. Not for wildcards,
+    // nor for xs:anySimpleType, whose elements carry xsi:type, which a value
+    // row refuses but a collection of values would pass over. A collection
+    // of untyped elements checks no bounds: such an element is taken alone
+    // only where it repeats itself, where the group's row could never read
+    // a document with enough of them (a document with too many passes then).
     bool FlattenRepeatedGroup(int index, Group group, XSParticle *only, int min, int max, int depth)
     {
         if (only->getTermType() != XSParticle::TERM_ELEMENT)
             return false;
         XSTypeDefinition *type = only->getElementTerm()->getTypeDefinition();
-        if (Untyped(type) || IsXsd(type, "anySimpleType"))
-            return false;
         long long const a = only->getMinOccurs();
         bool const unboundedInner = only->getMaxOccursUnbounded();
         long long const b = unboundedInner ? -1 : static_cast<long long>(only->getMaxOccurs());
+        if (IsXsd(type, "anySimpleType") || (Untyped(type) && b == 1))
+            return false;
         if ((min == 1 && max == 1) || b == 0 || (a > 1 && !unboundedInner) || min < 0)
             return false;
         long long const total = static_cast<long long>(min) * a;
@@ -687,15 +716,16 @@ private:
         }
         auto *simple = static_cast<XSSimpleTypeDefinition *>(type);
         row.value = ValueFor(simple, row.name);
-        row.kind = row.value.enumeration >= 0 ? RowKind::Enum : RowKind::Prim;
-        if (Substitutable(simple) && !row.hasDefault)
+        // A QName keeps its text, whose prefix is declared again where it is
+        // written, so an enumerated one is no enumeration number.
+        row.kind = row.value.enumeration >= 0 && !row.value.qname ? RowKind::Enum : RowKind::Prim;
+        std::string const *constraint = row.hasDefault ? &row.defaultValue : nullptr;
+        if (Substitutable(simple))
         {
             // xsi:type may name a derived simple type: the value becomes an
             // object whose class the factory picks, as for complex types.
-            // (A default stays with a value row: the classes are shared by
-            // every element of the type, and the default is the element's.)
             row.kind = RowKind::AbsCls;
-            row.classIndex = TypedSimpleClass(simple);
+            row.classIndex = TypedSimpleClass(simple, constraint);
             AddRow(index, row, row.occurs == Occurs::Col ? Property::Holds::ObjectCol : Property::Holds::Object);
             return;
         }
@@ -704,7 +734,7 @@ private:
             // A value row reads xsi:nil by storing nothing, which would lose
             // the element: a nillable value becomes an object with the value
             // as its text, and the object keeps the nil.
-            int const cls = SimpleClass(simple, row.name, row.ns);
+            int const cls = SimpleClass(simple, row.name, row.ns, constraint);
             row.kind = RowKind::Cls;
             row.classIndex = cls;
             AddRow(index, row,
@@ -796,7 +826,8 @@ private:
             row.ns = Utf8(decl->getNamespace());
             row.optional = !use->getRequired();
             row.value = ValueFor(decl->getTypeDefinition(), row.name);
-            row.kind = row.value.enumeration >= 0 ? AttributeRow::Kind::Enum : AttributeRow::Kind::Prim;
+            row.kind = row.value.enumeration >= 0 && !row.value.qname ? AttributeRow::Kind::Enum
+                                                                      : AttributeRow::Kind::Prim;
             if (use->getConstraintType() != XSConstants::VALUE_CONSTRAINT_NONE)
             {
                 row.hasDefault = true;
@@ -1146,7 +1177,7 @@ private:
     std::map<XSComplexTypeDefinition *, int> m_classes;
     std::map<XSSimpleTypeDefinition *, int> m_enumerations;
     std::map<XSSimpleTypeDefinition *, std::vector<XSSimpleTypeDefinition *>> m_simpleDerived;
-    std::map<XSSimpleTypeDefinition *, int> m_simpleClasses;
+    std::map<std::pair<XSSimpleTypeDefinition *, std::optional<std::string>>, int> m_simpleClasses;
     std::map<XSElementDeclaration *, std::vector<XSElementDeclaration *>> m_members;
     std::vector<std::pair<int, XSComplexTypeDefinition *>> m_pending;
     std::set<std::string> m_identifiers;

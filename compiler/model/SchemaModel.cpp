@@ -162,6 +162,19 @@ int Model::FindRoot(std::string const &name, std::string const &ns) const
     return -1;
 }
 
+int Model::FindTypeClass(std::string const &name, std::string const &ns) const
+{
+    for (std::size_t i = 0; i < classes.size(); ++i)
+    {
+        ClassDef const &c = classes[i];
+        // The copies of a simple type's classes that carry an element's
+        // default belong to that element.
+        if (!c.anonymous && !c.hasContentDefault && c.name == name && c.ns == ns)
+            return static_cast<int>(i);
+    }
+    return -1;
+}
+
 std::vector<int> Model::Substitutes(int classIndex) const
 {
     std::vector<int> result{classIndex};
@@ -221,6 +234,8 @@ std::string Describe(Model const &model)
         {
             out << "  text -> property " << c.simpleContentProperty << ":";
             DescribeValue(out, model, c.simpleContent);
+            if (c.hasContentDefault)
+                out << ", when empty \"" << c.contentDefault << "\"";
             out << "\n";
         }
         for (AttributeRow const &a : c.attributes)
@@ -293,6 +308,14 @@ bool HoldsUntyped(Property const &p)
 {
     return p.holds == Property::Holds::Element || p.holds == Property::Holds::MandatoryElement ||
            p.holds == Property::Holds::ElementCol;
+}
+
+bool HoldsInlineGroup(ClassDef const &c, std::size_t index)
+{
+    Property const &p = c.properties[index];
+    bool const objects = p.holds == Property::Holds::Object || p.holds == Property::Holds::MandatoryObject ||
+                         p.holds == Property::Holds::ObjectCol;
+    return objects && p.row >= 0 && c.elements[static_cast<std::size_t>(p.row)].childShape == ClassShape::PseudoGroup;
 }
 
 } // namespace MxCompiler

@@ -175,6 +175,10 @@ struct ClassDef
     // Simple content: the property that holds the text, and its type.
     int simpleContentProperty = -1;
     ValueType simpleContent;
+    // The default or fixed value of the element the class was made for: the
+    // value of its empty content.
+    bool hasContentDefault = false;
+    std::string contentDefault;
     std::vector<ElementRow> elements;
     std::vector<AttributeRow> attributes;
     std::vector<Property> properties;
@@ -188,6 +192,8 @@ ValueType const *FacetedValue(ClassDef const &c, std::size_t index);
 
 // Whether property `p` holds untyped elements (xs:any, anyType content).
 bool HoldsUntyped(Property const &p);
+// Whether property `index` of `c` holds an inline group or a collection of them.
+bool HoldsInlineGroup(ClassDef const &c, std::size_t index);
 
 // A global element declaration: what a document may start with.
 struct RootElement
@@ -209,6 +215,9 @@ struct Model
     std::vector<std::string> schemaFiles;
 
     int FindRoot(std::string const &name, std::string const &ns) const;
+    // The class of the named type, complex or simple, that an xsi:type on an
+    // undeclared document element names, or -1.
+    int FindTypeClass(std::string const &name, std::string const &ns) const;
     // The class and all its derivations in the set, the class first.
     std::vector<int> Substitutes(int classIndex) const;
 };

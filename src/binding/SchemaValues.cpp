@@ -4,6 +4,7 @@
 #include "collections/AttributeCol.h"
 #include "collections/Element.h"
 #include "collections/ElementCol.h"
+#include "collections/PrimitiveCollections.h"
 #include "document/XmlDocument.h"
 #include "metadata/ElementInfo.h"
 #include "document/XmlWriter.h"
@@ -472,24 +473,35 @@ bool ReadsSchemaText(ItemType itemType)
     return itemType != ItemType_None && itemType != ItemType_string;
 }
 
+void ApplyContentDefault(char const *defaultText, MxVariant &value)
+{
+    if (value.GetTypeAsEnum() == ItemType_string && value.GetString().empty())
+        value.SetString(defaultText);
+}
+
 void ConvertSchemaText(CSchemaValueType const &type, MxVariant &value)
 {
-    if (value.GetTypeAsEnum() != ItemType_string || type.variety != CSchemaValueType::Variety::Atomic ||
-        !ReadsSchemaText(type.itemType))
+    if (value.GetTypeAsEnum() != ItemType_string)
         return;
+    if (type.variety != CSchemaValueType::Variety::Atomic || !ReadsSchemaText(type.itemType))
+    {
+        // Held as text: stored as the schema normalises it, as a value row
+        // of the type stores it.
+        if (type.whitespace != WhitespaceRule::Preserve)
+            value.SetString(CWhitespaceUtils::ApplyRule(type.whitespace, value.GetString()));
+        return;
+    }
     MxVariant typed;
     typed.FromString(value.GetString(), type.itemType, type.whitespace);
     value = std::move(typed);
 }
 
-void CollectSchemaValuePrefixes(CXmlElement const *element, CSchemaValueType const &type, MxVariant const &cell,
-                                SchemaValuePrefixes &prefixes)
+namespace
 {
-    if (element == nullptr || element->GetDocument() == nullptr || !type.HoldsQName() ||
-        cell.GetTypeAsEnum() != ItemType_string)
-        return;
-    std::string const text = CWhitespaceUtils::ApplyRule(WhitespaceRule::Collapse, cell.GetString());
-    bool defaultNoted = false;
+void CollectValuePrefixes(CXmlElement const *element, std::string const &value, bool &defaultNoted,
+                          SchemaValuePrefixes &prefixes)
+{
+    std::string const text = CWhitespaceUtils::ApplyRule(WhitespaceRule::Collapse, value);
     for (std::string const &item : Items(text))
     {
         std::size_t const colon = item.find(':');
@@ -511,6 +523,22 @@ void CollectSchemaValuePrefixes(CXmlElement const *element, CSchemaValueType con
         if (!uri.empty())
             prefixes.emplace_back(prefix, uri);
     }
+}
+} // namespace
+
+void CollectSchemaValuePrefixes(CXmlElement const *element, CSchemaValueType const &type, MxVariant const &cell,
+                                SchemaValuePrefixes &prefixes)
+{
+    if (element == nullptr || element->GetDocument() == nullptr || !type.HoldsQName())
+        return;
+    bool defaultNoted = false;
+    if (cell.GetTypeAsEnum() == ItemType_string)
+        CollectValuePrefixes(element, cell.GetString(), defaultNoted, prefixes);
+    else if (cell.GetTypeAsEnum() == ItemType_XmlObject)
+        // A repeated element holds its values in a collection.
+        if (auto const *items = dynamic_cast<CstringCol const *>(cell.GetXmlObject().Get()))
+            for (std::string const &item : *items)
+                CollectValuePrefixes(element, item, defaultNoted, prefixes);
 }
 
 namespace
@@ -537,6 +565,24 @@ void CollectTypePrefixes(CXmlDocument const &document, CElement const &untyped, 
 }
 } // namespace
 
+void CollectInlinePrefixes(MxVariant const &cell, SchemaValuePrefixes &prefixes)
+{
+    if (cell.GetTypeAsEnum() != ItemType_XmlObject)
+        return;
+    auto const add = [&prefixes](CXmlObjectBase const *object) {
+        if (auto const *holder = dynamic_cast<CSchemaPrefixHolder const *>(object))
+            prefixes.insert(prefixes.end(), holder->GetValuePrefixes().begin(), holder->GetValuePrefixes().end());
+    };
+    CSmartPtr<CXmlObjectBase> const object = cell.GetXmlObject();
+    if (auto const *collection = dynamic_cast<CXmlCollection const *>(object.Get()))
+    {
+        for (CXmlCollection::CNode const *node = collection->GetFirstNode(); node != nullptr; node = node->next)
+            add(node->item.Get());
+    }
+    else
+        add(object.Get());
+}
+
 void CollectUntypedTypePrefixes(CXmlElement const *element, MxVariant const &cell, SchemaValuePrefixes &prefixes)
 {
     if (element == nullptr || element->GetDocument() == nullptr || cell.GetTypeAsEnum() != ItemType_XmlObject)
@@ -547,6 +593,69 @@ void CollectUntypedTypePrefixes(CXmlElement const *element, MxVariant const &cel
     else if (auto const *collection = dynamic_cast<CElementCol const *>(object.Get()))
         for (CElement const *item : *collection)
             CollectTypePrefixes(*element->GetDocument(), *item, prefixes);
+}
+
+namespace
+{
+std::string TypeAttributeValue(CXmlElement *element)
+{
+    return CWhitespaceUtils::ApplyRule(WhitespaceRule::Collapse,
+                                       element->GetAttribute("type", kXsiNamespace));
+}
+} // namespace
+
+std::string SchemaElementType(CXmlElement *element)
+{
+    std::string const value = TypeAttributeValue(element);
+    std::size_t const colon = value.find(':');
+    return colon == std::string::npos ? value : value.substr(colon + 1);
+}
+
+std::string SchemaElementTypeNamespaceUri(CXmlElement *element)
+{
+    std::string const value = TypeAttributeValue(element);
+    std::size_t const colon = value.find(':');
+    if (element->GetDocument() == nullptr)
+        return element->GetNamespaceURI();
+    // As a QName: an unprefixed name is in the default namespace, or in
+    // none; a prefix nobody declared names no namespace of the set.
+    std::string const prefix = colon == std::string::npos ? std::string() : value.substr(0, colon);
+    std::string const uri = element->GetDocument()->LookupNamespaceFromAlias(prefix.c_str());
+    return uri.empty() && !prefix.empty() ? std::string(1, ':') + prefix : uri;
+}
+
+CSchemaUntypedRoot::CSchemaUntypedRoot(char const *name, char const *namespaceUri)
+    : CElement(name, namespaceUri, "##any", namespaceUri)
+{
+}
+
+CSchemaUntypedRoot::~CSchemaUntypedRoot() = default;
+
+CXmlElement *CSchemaUntypedRoot::FromXml_Int(CXmlElement *parent, CXmlElement *current,
+                                             CSerializationContext const &context, bool optionalChoice)
+{
+    CXmlElement *const next = CElement::FromXml_Int(parent, current, context, optionalChoice);
+    m_prefixes.clear();
+    if (current != nullptr && current->GetDocument() != nullptr)
+        CollectTypePrefixes(*current->GetDocument(), *this, m_prefixes);
+    return next;
+}
+
+void CSchemaUntypedRoot::ToXml_Int(CXmlWriter *writer, bool isRoot, char const *namespaceUri,
+                                   CSerializationContext const &context, bool optionalChoice) const
+{
+    if (m_prefixes.empty() || !GetDefaultNamespace().empty())
+    {
+        CElement::ToXml_Int(writer, isRoot, namespaceUri, context, optionalChoice);
+        return;
+    }
+    // As CElement writes itself, with the prefixes declared first.
+    writer->StartElement(GetName(), GetNamespace());
+    DeclareSchemaValuePrefixes(writer, m_prefixes);
+    CXmlObjectBase::ToXml_Int(GetAttributes().Get(), writer, false, namespaceUri, context, false);
+    CXmlObjectBase::ToXml_Int(GetChildElements().Get(), writer, false, namespaceUri, context, optionalChoice);
+    writer->WriteText(GetText(), ItemType_string, false);
+    writer->EndElement();
 }
 
 void DeclareSchemaValuePrefixes(CXmlWriter *writer, SchemaValuePrefixes const &prefixes)

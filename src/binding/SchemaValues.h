@@ -15,6 +15,9 @@
 #include "binding/SerializationContext.h"
 #include "binding/XmlGeneratedClass.h"
 #include "binding/XmlObjectBase.h"
+#include "collections/Element.h"
+#include "document/XmlWriter.h"
+#include "metadata/ElementInfo.h"
 #include "values/BinaryData.h"
 #include "values/Decimal.h"
 #include "values/PrimitiveRestrictions.h"
@@ -143,8 +146,14 @@ void CheckStoredSchemaValue(CSchemaEnumerations const *all, CSchemaValueType con
 // A class with simple content of another type than string reads its text
 // as a string, since the driver would convert it without the type's white
 // space rule (a number on a line of its own would fail); this converts
-// such a string with the type's rule before it is stored.
+// such a string with the type's rule before it is stored. Text that stays
+// text (strings, lists, unions, values kept for a pattern) gets the rule
+// alone.
 void ConvertSchemaText(CSchemaValueType const &type, MxVariant &value);
+// An element with a default or fixed value whose content is empty has that
+// value: the default's text takes the empty text's place before the store
+// converts and checks it.
+void ApplyContentDefault(char const *defaultText, MxVariant &value);
 // Whether a class whose simple content has this type reads it as text.
 bool ReadsSchemaText(ItemType itemType);
 
@@ -159,6 +168,72 @@ void DeclareSchemaValuePrefixes(CXmlWriter *writer, SchemaValuePrefixes const &p
 // CElement or a CElementCol): such an element keeps the attribute's text,
 // not the mapping of the prefix in it.
 void CollectUntypedTypePrefixes(CXmlElement const *element, MxVariant const &cell, SchemaValuePrefixes &prefixes);
+
+// The local name and namespace URI of the type an element's xsi:type names,
+// read as XSD reads a QName (CClassfactoryBase's GetElementType and
+// GetElementTypeNamespaceUri take the text as it stands and an unprefixed
+// name as one in the element's own namespace): white space collapsed, an
+// unprefixed name in the default namespace. An undeclared prefix gives a
+// string that is no namespace URI, so that no type matches. Schema
+// factories compare these with the names of their types.
+std::string SchemaElementType(CXmlElement *element);
+std::string SchemaElementTypeNamespaceUri(CXmlElement *element);
+
+// An object made for a document element that no global element declares,
+// from the type its xsi:type names (as XSD allows): written, it names that
+// type again, since no declaration would give the element a type.
+template <typename Base> class CSchemaTypeRoot : public Base
+{
+public:
+    using Base::Base;
+
+protected:
+    void AttributesToXml_Int(CXmlWriter *writer, CSerializationContext const &context) const override
+    {
+        auto *self = const_cast<CSchemaTypeRoot *>(this);
+        MxXmlLibData::CParentElementInfo const *info = self->GetParentElementInfo();
+        // The driver writes it itself for a class with bases, under another name.
+        bool const driverWrites = info->GetHasBaseClasses() && this->GetElementName() != info->GetElementName();
+        if (context.GetWriteTypeAttribute() && !driverWrites)
+            writer->WriteTypeAttribute(info->GetElementNamespace(), info->GetElementName(), ItemType_string);
+        Base::AttributesToXml_Int(writer, context);
+    }
+};
+
+// A class of a schema set that notes the prefixes of its values. An inline
+// group has no element of its own to declare them on: the class that holds
+// it takes them over (CollectInlinePrefixes) and declares them on its own.
+class CSchemaPrefixHolder
+{
+public:
+    virtual SchemaValuePrefixes const &GetValuePrefixes() const = 0;
+
+protected:
+    ~CSchemaPrefixHolder() = default;
+};
+// Adds the prefixes of the object, or of each object of the collection,
+// that `cell` holds.
+void CollectInlinePrefixes(MxVariant const &cell, SchemaValuePrefixes &prefixes);
+
+// The document element of a global element of xs:anyType: untyped, and
+// the one place where the prefixes of the xsi:type values in it (its own
+// and its descendants') can be declared again when it is written, since no
+// class holds it.
+class CSchemaUntypedRoot : public CElement
+{
+public:
+    CSchemaUntypedRoot(char const *name, char const *namespaceUri);
+
+protected:
+    ~CSchemaUntypedRoot() override;
+    CXmlElement *FromXml_Int(CXmlElement *parent, CXmlElement *current, CSerializationContext const &context,
+                             bool optionalChoice) override;
+    void ToXml_Int(CXmlWriter *writer, bool isRoot, char const *namespaceUri, CSerializationContext const &context,
+                   bool optionalChoice) const override;
+
+private:
+    SchemaValuePrefixes m_prefixes;
+};
 
 // Init, and the same for every child object that Init made, down to where a
 // class would contain itself: an object of a global element that a program

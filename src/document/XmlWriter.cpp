@@ -3,6 +3,8 @@
 #include "runtime/MxException.h"
 #include "runtime/TextStream.h"
 
+#include <algorithm>
+
 namespace MxXmlLib
 {
 
@@ -18,6 +20,7 @@ void Context::InitCommon(std::string const &localName, std::string const &namesp
     NamespaceUri = namespaceUri;
     NamePrefix.clear();
     m_declared.clear();
+    m_remapped.clear();
 }
 
 void Context::InitRoot(std::string const &localName, std::string const &namespaceUri,
@@ -66,6 +69,8 @@ void Context::AddNamespace(std::string const &prefix, std::string const &uri)
     for (auto &entry : m_declared)
         if (entry.first == uri)
         {
+            if (entry.second != prefix)
+                m_remapped.push_back(entry.second);
             entry.second = prefix;
             return;
         }
@@ -88,6 +93,9 @@ bool Context::IsPrefixInUse(std::string const &prefix) const
             // A mapping overridden by a nearer scope is no longer in force.
             if (entry.second == prefix && FindPrefix(entry.first) == &entry.second)
                 return true;
+    for (Context const *scope = m_scope; scope; scope = scope->m_outerScope)
+        if (std::find(scope->m_remapped.begin(), scope->m_remapped.end(), prefix) != scope->m_remapped.end())
+            return true;
     return false;
 }
 

@@ -91,6 +91,9 @@ public:
         std::string m_defaultNamespace;
         // Own mappings (URI, prefix), overriding those of the outer scopes.
         std::vector<std::pair<std::string, std::string>> m_declared;
+        // Prefixes this context declared whose namespace it then mapped to
+        // another prefix: still declared here, so not free to generate.
+        std::vector<std::string> m_remapped;
     };
 
     CXmlWriter();

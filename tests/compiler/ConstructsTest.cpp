@@ -125,6 +125,41 @@ constexpr ConstructCase kConstructs[] = {
      "<node xmlns='urn:c' id='a'><node id='b'><node id='c'/></node><node id='d'/></node>",
      "<AA:node xmlns:AA=\"urn:c\" id=\"a\"><AA:node id=\"b\"><AA:node id=\"c\"/></AA:node><AA:node id=\"d\"/>"
      "</AA:node>"},
+    {"an empty element has its default or fixed value, whatever type xsi:type picks",
+     "<xs:simpleType name='F'><xs:restriction base='xs:float'/></xs:simpleType><xs:simpleType name='G'>"
+     "<xs:restriction base='c:F'><xs:pattern value='1\\.0E-2'/></xs:restriction></xs:simpleType>"
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='e' type='c:F' fixed='1.0E-2' "
+     "maxOccurs='2'/><xs:element name='d' type='xs:decimal' default='12' nillable='true'/></xs:sequence>"
+     "</xs:complexType></xs:element>",
+     "<r xmlns='urn:c' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'><e xsi:type='G'/><e>0.01</e><d/></r>",
+     "<AA:r xmlns:AA=\"urn:c\"><AA:e xmlns:AB=\"http://www.w3.org/2001/XMLSchema-instance\" AB:type=\"AA:G\">"
+     "1.0E-2</AA:e><AA:e>0.01</AA:e><AA:d>12</AA:d></AA:r>"},
+    {"a document element that nothing declares names its complex type",
+     "<xs:complexType name='T'><xs:sequence><xs:element name='a' type='xs:int'/></xs:sequence></xs:complexType>"
+     "<xs:element name='r' type='xs:int'/>",
+     "<x xmlns='urn:c' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' xsi:type='\n T '><a>1</a></x>",
+     "<AA:x xmlns:AA=\"urn:c\" xmlns:AB=\"http://www.w3.org/2001/XMLSchema-instance\" AB:type=\"AA:T\">"
+     "<AA:a>1</AA:a></AA:x>"},
+    {"a document element that nothing declares names a simple type of a set of types",
+     "<xs:simpleType name='S'><xs:restriction base='xs:string'><xs:pattern value='1|2'/></xs:restriction>"
+     "</xs:simpleType>",
+     "<x xmlns='urn:c' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' xsi:type='S'>2</x>",
+     "<AA:x xmlns:AA=\"urn:c\" xmlns:AB=\"http://www.w3.org/2001/XMLSchema-instance\" AB:type=\"AA:S\">2</AA:x>"},
+    {"a document element of a built-in type takes a type derived from it",
+     "<xs:simpleType name='B'><xs:restriction base='xs:boolean'><xs:pattern value='true|1'/></xs:restriction>"
+     "</xs:simpleType><xs:element name='r' type='xs:boolean'/>",
+     "<r xmlns='urn:c' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' xsi:type='B'> 1 </r>",
+     "<AA:r xmlns:AA=\"urn:c\" xmlns:AB=\"http://www.w3.org/2001/XMLSchema-instance\" AB:type=\"AA:B\">1</AA:r>"},
+    {"an untyped document element keeps the prefix of its xsi:type",
+     "<xs:element name='r'/><xs:complexType name='T'/>",
+     "<c:r xmlns:c='urn:c' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' xsi:type='c:T'/>",
+     "<AA:r xmlns:AA=\"urn:c\" xmlns:c=\"urn:c\" xmlns:AB=\"http://www.w3.org/2001/XMLSchema-instance\" "
+     "AB:type=\"c:T\"/>"},
+    {"QName values in a repeated choice keep their prefixes",
+     "<xs:element name='r'><xs:complexType><xs:choice maxOccurs='unbounded'><xs:element name='k' type='xs:QName'/>"
+     "<xs:element name='f' type='xs:QName'/></xs:choice></xs:complexType></xs:element>",
+     "<r xmlns='urn:c' xmlns:p='urn:p' xmlns:q='urn:p'><k> p:a </k><f>q:a</f></r>",
+     "<AA:r xmlns:AA=\"urn:c\" xmlns:p=\"urn:p\" xmlns:q=\"urn:p\"><AA:k>p:a</AA:k><AA:f>q:a</AA:f></AA:r>"},
 };
 
 std::string Schema(char const *body)

@@ -190,6 +190,24 @@ TEST(GeneratedCode, ChecksValuesAsTheLoadedSchema)
         {"an undeclared root", "<p:other xmlns:p=\"urn:parity\"/>",
          "The element [{urn:parity}other] is not declared by the schema"},
         {"an untyped root", "<p:anything xmlns:p=\"urn:parity\" a=\"1\"><b>text</b></p:anything>", nullptr},
+        {"an undeclared root that names its type",
+         "<p:other xmlns:p=\"urn:parity\" xmlns:t=\"urn:parity:types\" "
+         "xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" xsi:type=\" t:Derived \">"
+         "<t:size>2</t:size><t:extra>z</t:extra></p:other>",
+         nullptr},
+        {"an untyped root whose xsi:type needs its prefix",
+         "<p:anything xmlns:p=\"urn:parity\" xmlns:t=\"urn:parity:types\" "
+         "xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" xsi:type=\"t:Base\"><t:size>2</t:size>"
+         "</p:anything>",
+         nullptr},
+        {"an empty element with a default and a derived type",
+         "<p:level xmlns:p=\"urn:parity\" xmlns:t=\"urn:parity:types\" "
+         "xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" xsi:type=\"t:LowLevel\"/>",
+         nullptr},
+        {"QName values in a repeated choice",
+         "<p:names xmlns:p=\"urn:parity\" xmlns:a=\"urn:a\" xmlns:b=\"urn:b\"><p:key>a:x</p:key><p:ref>b:x</p:ref>"
+         "<p:key>b:y</p:key></p:names>",
+         nullptr},
     };
     MxCompiler::CSchemaSet const set = MxCompiler::CSchemaSet::Load({MX_TEST_DATA_DIR "/parity.xsd"});
     Reader const loaded = [&set](CBinaryData const &b, CSerializationContext const &c) { return set.Read(b, c); };
@@ -275,7 +293,9 @@ TEST(GeneratedCode, FilePerTypeIsOnePairPerClassAndDeterministic)
                          .status);
     }
     std::vector<std::string> const names = Listing(dirs[0]);
-    EXPECT_EQ((std::vector<std::string>{"CBase.cpp", "CBase.h", "CDerived.cpp", "CDerived.h", "Cnote_Value.cpp",
+    EXPECT_EQ((std::vector<std::string>{"CBase.cpp", "CBase.h", "CDerived.cpp", "CDerived.h", "CLevel_Value.cpp",
+                                        "CLevel_Value.h", "CLowLevel_Value.cpp", "CLowLevel_Value.h", "Cnames.cpp",
+                                        "Cnames.h", "Cnames_Choice.cpp", "Cnames_Choice.h", "Cnote_Value.cpp",
                                         "Cnote_Value.h", "Crecord.cpp", "Crecord.h", "parity.cpp", "parity.h"}),
               names);
     EXPECT_EQ(names, Listing(dirs[1]));

@@ -19,8 +19,11 @@
 #include <xercesc/util/TransService.hpp>
 #include <xercesc/util/XMLUni.hpp>
 #include <xercesc/validators/common/Grammar.hpp>
+#include <xercesc/validators/datatype/DatatypeValidator.hpp>
 
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
 #include <stdexcept>
 #include <tuple>
 
@@ -68,9 +71,33 @@ std::string ValueOf(PSVIItem *item, std::string const &raw)
         if (XMLCh const *c = item->getCanonicalRepresentation())
             return Utf8(c);
         if (XMLCh const *n = item->getSchemaNormalizedValue())
+        {
+            // Xerces gives an element's default in its lexical form: an
+            // empty element with default "1.0e-2" and one that holds 0.01
+            // have one value, so the default is put in canonical form too.
+            XSTypeDefinition *type =
+                item->getMemberTypeDefinition() ? item->getMemberTypeDefinition() : item->getTypeDefinition();
+            if (type != nullptr && type->getTypeCategory() == XSTypeDefinition::SIMPLE_TYPE)
+                if (DatatypeValidator *v = static_cast<XSSimpleTypeDefinition *>(type)->getDatatypeValidator())
+                    if (XMLCh const *c = v->getCanonicalRepresentation(n, XMLPlatformUtils::fgMemoryManager))
+                    {
+                        std::string const canonical = Utf8(c);
+                        XMLPlatformUtils::fgMemoryManager->deallocate(const_cast<XMLCh *>(c));
+                        return canonical;
+                    }
             return Utf8(n);
+        }
     }
     return raw;
+}
+
+// XSD 1.0 first wrote a gMonth as --MM--, and Xerces keeps that form; the
+// value is the one --MM names.
+std::string CanonicalGMonth(std::string text)
+{
+    if (text.size() >= 6 && text.compare(0, 2, "--") == 0 && text.compare(4, 2, "--") == 0)
+        text.erase(4, 2);
+    return text;
 }
 
 // Xerces gives hexBinary and duration in their lexical forms; these are
@@ -313,6 +340,8 @@ public:
                 node->value = CanonicalHex(node->value);
             else if (node->primitive == "duration")
                 node->value = CanonicalDuration(node->value);
+            else if (node->primitive == "gMonth")
+                node->value = CanonicalGMonth(node->value);
         }
     }
 
@@ -371,6 +400,23 @@ std::string Where(Node const &node, std::string const &path)
     return path + "/" + node.local;
 }
 
+// Xerces' canonical float and double keep the digits of the lexical form
+// ("0.01" gives 0.1E-1, "1.0e-2" gives 1.0E-2): these compare as numbers.
+bool SameValue(std::string const &primitive, std::string const &x, std::string const &y)
+{
+    if (x == y)
+        return true;
+    if (primitive != "float" && primitive != "double")
+        return false;
+    char *endX = nullptr, *endY = nullptr;
+    double const a = std::strtod(x.c_str(), &endX), b = std::strtod(y.c_str(), &endY);
+    if (*endX != '\0' || *endY != '\0' || endX == x.c_str() || endY == y.c_str())
+        return false;
+    if (std::isnan(a) || std::isnan(b))
+        return std::isnan(a) && std::isnan(b);
+    return primitive == "float" ? static_cast<float>(a) == static_cast<float>(b) : a == b;
+}
+
 std::string CompareAt(Node const &e, Node const &a, std::string const &path)
 {
     std::string const here = Where(e, path);
@@ -396,8 +442,8 @@ std::string CompareAt(Node const &e, Node const &a, std::string const &path)
     }
     if (e.hasValue != a.hasValue)
         return "simple content differs (" + here + ")";
-    if (e.hasValue && e.value != a.value)
-        return e.primitive + " value differs (" + here + ")";
+    if (e.hasValue && !SameValue(e.primitive, e.value, a.value))
+        return e.primitive + " value differs (" + here + ") [" + e.value + "] [" + a.value + "]";
     if (!e.hasValue && !e.elementOnly && Collapse(e.text) != Collapse(a.text))
         return "text differs (" + here + ")";
     std::vector<Node const *> expected, actual;
