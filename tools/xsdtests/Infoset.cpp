@@ -425,7 +425,7 @@ std::string CompareAt(Node const &e, Node const &a, std::string const &path)
     if (e.nil != a.nil)
         return "nil differs (" + here + ")";
     if (e.type != a.type)
-        return "element type differs (" + here + ")";
+        return "element type differs (" + here + ") [" + e.type + "] [" + a.type + "]";
     if (e.attributes != a.attributes)
     {
         for (auto const &[key, value] : e.attributes)
