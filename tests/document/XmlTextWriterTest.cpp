@@ -138,6 +138,15 @@ TEST(XmlTextWriter, WritesExactText)
              w.EndElement();
          },
          Options(), "<AA:a xmlns:AA=\"urn:a\"><AB:b xmlns:AB=\"urn:b\"/></AA:a>"},
+        {"a namespace mapped anew keeps its first prefix taken",
+         [](auto &w) {
+             w.StartElement("a", "urn:a");
+             w.AddNamespace("p", "urn:a");
+             w.WriteAttribute("xmlns:p", "", "urn:a", ItemType_string);
+             w.WriteAttribute("x", "urn:x", "1", ItemType_string);
+             w.EndElement();
+         },
+         Options(), "<AA:a xmlns:AA=\"urn:a\" xmlns:p=\"urn:a\" xmlns:AB=\"urn:x\" AB:x=\"1\"/>"},
         {"mapped before the root",
          [](auto &w) {
              w.AddNamespace("p", "urn:p");

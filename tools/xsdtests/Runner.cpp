@@ -182,6 +182,8 @@ void PrepareJsonContext(CSerializationContext &context, MxCompiler::Model const 
         if (end != std::string::npos)
             namespaces.insert(input.substr(quote + 1, end - quote - 1));
     }
+    // The xml namespace is bound to its own prefix, and no other may name it.
+    namespaces.erase("http://www.w3.org/XML/1998/namespace");
     int n = 0;
     for (std::string const &ns : namespaces)
         if (!ns.empty())
