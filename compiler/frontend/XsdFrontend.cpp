@@ -466,7 +466,10 @@ private:
                 AddGroupContent(index, g, 0);
             }
             else
+            {
+                m_followed = false;
                 AddParticle(index, Group::Sequence, p, 0);
+            }
             break;
         }
         }
@@ -491,7 +494,10 @@ private:
         Group const group = Class(index).group;
         XSParticleList *list = g->getParticles();
         for (XMLSize_t i = 0; list && i < list->size(); ++i)
+        {
+            m_followed = group == Group::Sequence && i + 1 < list->size();
             AddParticle(index, group, list->elementAt(i), depth);
+        }
     }
 
     int AddProperty(int index, std::string const &wanted, Property::Holds holds)
@@ -556,15 +562,23 @@ private:
             // particles stand in the parent as they are.
             if (min == 1 && max == 1 && inner == group && group != Group::All)
             {
+                bool const outer = m_followed;
                 for (XMLSize_t i = 0; i < list->size(); ++i)
+                {
+                    m_followed = (group == Group::Sequence && i + 1 < list->size()) || outer;
                     AddParticle(index, group, list->elementAt(i), depth + 1);
+                }
                 return;
             }
             if (list->size() == 1 && group != Group::All && FlattenRepeatedGroup(index, group, list->elementAt(0), min, max, depth))
                 return;
             int const pseudo = PseudoClass(index, inner, inner == Group::Choice ? "Choice" : "Group");
+            bool const outer = m_followed;
             for (XMLSize_t i = 0; i < list->size(); ++i)
+            {
+                m_followed = (inner == Group::Sequence && i + 1 < list->size()) || outer;
                 AddParticle(pseudo, inner, list->elementAt(i), depth + 1);
+            }
             AddInlineRow(index, group, pseudo, min, max, !Emptiable(p), "group in " + Class(index).origin);
             return;
         }
@@ -779,7 +793,12 @@ private:
         std::vector<std::string> const tokens = WildcardTokens(w, targetNs);
         if (tokens.empty())
             return;
-        if (tokens.size() > 1)
+        // A repeated wildcard is read into a collection that takes elements
+        // of every namespace: where other particles follow it, it would take
+        // theirs too, so it becomes a repeated inline choice whose one row
+        // checks the namespace of each element.
+        bool const guarded = tokens[0] != "##any" && max != 1 && group != Group::All && m_followed;
+        if (tokens.size() > 1 || guarded)
         {
             // Several namespaces: an inline choice of one wildcard row each.
             int const pseudo = PseudoClass(index, Group::Choice, "Any");
@@ -790,6 +809,16 @@ private:
         }
         (void)depth;
         AddWildcardRow(index, group, tokens[0], targetNs, min, max);
+    }
+
+    // The run-time's test lets the empty namespace pass a restriction that
+    // names one namespace; "##targetNamespace" with that namespace as the
+    // target lets it alone pass.
+    template <typename Row> static void SetRestriction(Row &row, std::string const &token, std::string const &targetNs)
+    {
+        bool const literal = !token.empty() && token.rfind("##", 0) != 0;
+        row.namespaceRestriction = literal ? "##targetNamespace" : token;
+        row.targetNamespace = literal ? token : targetNs;
     }
 
     void AddWildcardRow(int index, Group group, std::string const &token, std::string const &targetNs, int min,
@@ -803,8 +832,7 @@ private:
         row.occurs = OccursOf(group, min, max);
         row.minOccurs = min;
         row.maxOccurs = max;
-        row.namespaceRestriction = token;
-        row.targetNamespace = targetNs;
+        SetRestriction(row, token, targetNs);
         row.origin = "wildcard in " + Class(index).origin;
         if (group == Group::All && row.occurs == Occurs::Col)
             throw CSchemaError("a repeated " + row.origin + " inside xs:all has no row form in the run-time");
@@ -850,8 +878,7 @@ private:
                 AttributeRow row;
                 row.name = "AnyAttribute";
                 row.kind = AttributeRow::Kind::Any;
-                row.namespaceRestriction = token;
-                row.targetNamespace = Class(index).ns;
+                SetRestriction(row, token, Class(index).ns);
                 AddAttributeRow(index, row, Property::Holds::AttributeCol);
             }
         }
@@ -1178,6 +1205,9 @@ private:
     std::map<XSSimpleTypeDefinition *, int> m_enumerations;
     std::map<XSSimpleTypeDefinition *, std::vector<XSSimpleTypeDefinition *>> m_simpleDerived;
     std::map<std::pair<XSSimpleTypeDefinition *, std::optional<std::string>>, int> m_simpleClasses;
+    // Whether other particles follow the one being added, in its sequence or
+    // in the groups around it.
+    bool m_followed = false;
     std::map<XSElementDeclaration *, std::vector<XSElementDeclaration *>> m_members;
     std::vector<std::pair<int, XSComplexTypeDefinition *>> m_pending;
     std::set<std::string> m_identifiers;
