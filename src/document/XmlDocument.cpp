@@ -131,7 +131,8 @@ void CXmlElement::DropContent()
     {
         for (CXmlAttribute *attribute : *m_attributes)
             m_document->DestroyAttribute(attribute);
-        m_attributes.reset();
+        m_document->DestroyAttributeList(m_attributes);
+        m_attributes = nullptr;
     }
     if (m_text)
     {
@@ -226,7 +227,7 @@ void CXmlElement::AddAttribute(std::string const &localName, std::string const &
                                std::string const &namespaceUri)
 {
     if (!m_attributes)
-        m_attributes = std::make_unique<std::vector<CXmlAttribute *>>();
+        m_attributes = m_document->NewAttributeList();
     m_attributes->push_back(nullptr);
     CXmlAttribute *attribute = m_document->NewAttribute(this, m_document->Intern(localName),
                                                         m_document->Intern(namespaceUri));
@@ -239,7 +240,7 @@ CXmlAttribute *CXmlElement::AddAttribute(std::string const *localName, std::stri
 {
     if (!m_attributes)
     {
-        m_attributes = std::make_unique<std::vector<CXmlAttribute *>>();
+        m_attributes = m_document->NewAttributeList();
         m_attributes->reserve(expectedCount);
     }
     m_attributes->push_back(nullptr);
@@ -348,6 +349,18 @@ void CXmlDocument::DestroyText(std::string *text)
     using String = std::string;
     text->~String();
     m_pool->Free(text, sizeof(std::string));
+}
+
+std::vector<CXmlAttribute *> *CXmlDocument::NewAttributeList()
+{
+    return new (m_pool->Allocate(sizeof(std::vector<CXmlAttribute *>))) std::vector<CXmlAttribute *>();
+}
+
+void CXmlDocument::DestroyAttributeList(std::vector<CXmlAttribute *> *list)
+{
+    using List = std::vector<CXmlAttribute *>;
+    list->~List();
+    m_pool->Free(list, sizeof(List));
 }
 
 void CXmlDocument::DestroyAttribute(CXmlAttribute *attribute)
