@@ -24,7 +24,8 @@ char const kXmlnsNamespace[] = "http://www.w3.org/2000/xmlns/";
 
 bool IsDescriptiveNamespace(std::string const &uri)
 {
-    return uri == kXsiNamespace || uri == kXmlnsNamespace;
+    // Most attributes have no namespace: no comparison for them.
+    return !uri.empty() && (uri == kXsiNamespace || uri == kXmlnsNamespace);
 }
 
 std::string const &EmptyString()
