@@ -40,8 +40,25 @@ inline std::size_t HashBytes(std::string_view bytes)
     }
     if (n > 0)
     {
-        std::uint64_t tail = 0;
-        std::memcpy(&tail, p, n);
+        // The tail in whole loads, never byte by byte: bytes stored one at a
+        // time and read back as a word stall the read. A name of eight bytes
+        // or more takes its last eight (overlapping what is mixed already);
+        // a shorter one two overlapping halves, or its first, middle and
+        // last byte. Either way every byte counts.
+        std::uint64_t tail;
+        if (bytes.size() >= 8)
+            tail = load(bytes.data() + bytes.size() - 8);
+        else if (n >= 4)
+        {
+            std::uint32_t low, high;
+            std::memcpy(&low, p, sizeof(low));
+            std::memcpy(&high, p + n - 4, sizeof(high));
+            tail = low | (static_cast<std::uint64_t>(high) << 32);
+        }
+        else
+            tail = static_cast<std::uint64_t>(static_cast<unsigned char>(p[0])) |
+                   static_cast<std::uint64_t>(static_cast<unsigned char>(p[n / 2])) << 8 |
+                   static_cast<std::uint64_t>(static_cast<unsigned char>(p[n - 1])) << 16;
         mix(tail);
     }
     return static_cast<std::size_t>(h ^ (h >> 29));

@@ -24,7 +24,8 @@ char const kXmlnsNamespace[] = "http://www.w3.org/2000/xmlns/";
 
 bool IsDescriptiveNamespace(std::string const &uri)
 {
-    return uri == kXsiNamespace || uri == kXmlnsNamespace;
+    // Most attributes have no namespace: no comparison for them.
+    return !uri.empty() && (uri == kXsiNamespace || uri == kXmlnsNamespace);
 }
 
 std::string const &EmptyString()
@@ -131,7 +132,8 @@ void CXmlElement::DropContent()
     {
         for (CXmlAttribute *attribute : *m_attributes)
             m_document->DestroyAttribute(attribute);
-        m_attributes.reset();
+        m_document->DestroyAttributeList(m_attributes);
+        m_attributes = nullptr;
     }
     if (m_text)
     {
@@ -226,7 +228,7 @@ void CXmlElement::AddAttribute(std::string const &localName, std::string const &
                                std::string const &namespaceUri)
 {
     if (!m_attributes)
-        m_attributes = std::make_unique<std::vector<CXmlAttribute *>>();
+        m_attributes = m_document->NewAttributeList();
     m_attributes->push_back(nullptr);
     CXmlAttribute *attribute = m_document->NewAttribute(this, m_document->Intern(localName),
                                                         m_document->Intern(namespaceUri));
@@ -239,7 +241,7 @@ CXmlAttribute *CXmlElement::AddAttribute(std::string const *localName, std::stri
 {
     if (!m_attributes)
     {
-        m_attributes = std::make_unique<std::vector<CXmlAttribute *>>();
+        m_attributes = m_document->NewAttributeList();
         m_attributes->reserve(expectedCount);
     }
     m_attributes->push_back(nullptr);
@@ -348,6 +350,18 @@ void CXmlDocument::DestroyText(std::string *text)
     using String = std::string;
     text->~String();
     m_pool->Free(text, sizeof(std::string));
+}
+
+std::vector<CXmlAttribute *> *CXmlDocument::NewAttributeList()
+{
+    return new (m_pool->Allocate(sizeof(std::vector<CXmlAttribute *>))) std::vector<CXmlAttribute *>();
+}
+
+void CXmlDocument::DestroyAttributeList(std::vector<CXmlAttribute *> *list)
+{
+    using List = std::vector<CXmlAttribute *>;
+    list->~List();
+    m_pool->Free(list, sizeof(List));
 }
 
 void CXmlDocument::DestroyAttribute(CXmlAttribute *attribute)

@@ -80,6 +80,8 @@ class CXmlElement : public CInstanceMonitor
 
 public:
     ~CXmlElement() override;
+    CXmlElement(CXmlElement const &) = delete;
+    CXmlElement &operator=(CXmlElement const &) = delete;
     // Nodes live in their document's pool: only the document makes them, and
     // deleting one leaves its memory to the pool.
     static void *operator new(std::size_t, void *place) { return place; }
@@ -145,8 +147,9 @@ private:
     CXmlElement *m_nextSibling;
     CXmlElement *m_firstChild;
     CXmlElement *m_lastChild;
-    // Most elements carry no attributes: the vector exists only when needed.
-    std::unique_ptr<std::vector<CXmlAttribute *>> m_attributes;
+    // Most elements carry no attributes: the vector exists only when needed,
+    // and then in the document's pool, like the nodes.
+    std::vector<CXmlAttribute *> *m_attributes = nullptr;
     // Made in the document's pool with the first character data, so that an
     // element without text, or one whose content a read has dropped, keeps
     // only a pointer.
@@ -308,6 +311,8 @@ private:
     void DestroyAttribute(CXmlAttribute *attribute);
     std::string *NewText();
     void DestroyText(std::string *text);
+    std::vector<CXmlAttribute *> *NewAttributeList();
+    void DestroyAttributeList(std::vector<CXmlAttribute *> *list);
     // The chunked file load: where the next chunk comes from, the file, and
     // the size of the chunk read last.
     std::uint64_t m_fileOffset;

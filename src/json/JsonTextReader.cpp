@@ -41,23 +41,6 @@ void CJsonTextReader::Fail(std::string const &message)
     throw CMxValidationException(message, path);
 }
 
-bool CJsonTextReader::ReadByte()
-{
-    if (m_index >= m_text->size())
-    {
-        m_atEof = true;
-        return false;
-    }
-    m_current = (*m_text)[m_index++];
-    ++m_position;
-    if (m_current == '\n')
-    {
-        ++m_line;
-        m_position = 0;
-    }
-    return true;
-}
-
 void CJsonTextReader::NextToken()
 {
     // Comments in a row are skipped by this loop rather than by recursion,
@@ -98,16 +81,6 @@ bool CJsonTextReader::SkipComment()
             break;
         }
     return true;
-}
-
-void CJsonTextReader::NextChar()
-{
-    // Line feeds inside strings and numbers vanish: "1\n2" reads as 12.
-    do
-    {
-        if (!ReadByte())
-            return;
-    } while (m_current == '\n');
 }
 
 void CJsonTextReader::ReadBlock(std::size_t count, std::string &out)
@@ -284,8 +257,21 @@ void CJsonTextReader::ParseString(std::string &out)
 {
     out.clear();
     std::string hex;
+    std::string const &text = *m_text;
     for (;;)
     {
+        // A run of plain characters goes over in one piece, counted as the
+        // byte-by-byte reading would count it (it holds no line feed).
+        std::size_t end = m_index;
+        while (end < text.size() && text[end] != '"' && text[end] != '\\' && text[end] != '\n')
+            ++end;
+        if (end > m_index)
+        {
+            out.append(text, m_index, end - m_index);
+            m_position += static_cast<std::int32_t>(end - m_index);
+            m_current = text[end - 1];
+            m_index = end;
+        }
         NextChar();
         if (m_atEof)
             Fail(FormatString("Unexpected End of File. Expected string value at line %d, position %d.", m_line,

@@ -70,13 +70,37 @@ private:
     // Reads past whitespace, and comments when allowed, into m_current.
     void NextToken();
     // Reads one byte into m_current; line feeds are consumed and skipped.
-    void NextChar();
+    void NextChar()
+    {
+        // Line feeds inside strings and numbers vanish: "1\n2" reads as 12.
+        do
+        {
+            if (!ReadByte())
+                return;
+        } while (m_current == '\n');
+    }
     // Reads up to `count` bytes into `out` without line tracking.
     void ReadBlock(std::size_t count, std::string &out);
     // With m_current '/': skips one comment if one starts here; false if not.
     bool SkipComment();
-    // Reads one byte, counting lines: false at the end of the text.
-    bool ReadByte();
+    // Reads one byte, counting lines: false at the end of the text. Inline:
+    // the reader takes every byte of the text through here.
+    bool ReadByte()
+    {
+        if (m_index >= m_text->size())
+        {
+            m_atEof = true;
+            return false;
+        }
+        m_current = (*m_text)[m_index++];
+        ++m_position;
+        if (m_current == '\n')
+        {
+            ++m_line;
+            m_position = 0;
+        }
+        return true;
+    }
 
     void ParseValue(std::int32_t depth);
     void ParseObject(std::int32_t depth);

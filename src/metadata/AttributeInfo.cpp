@@ -160,7 +160,11 @@ void CAttributeInfoPrimitive::AttributeToXml(CSerializationContext const &contex
     ReadProperty(object, value);
     if (m_optional && value.GetTypeAsEnum() == ItemType_None && !value.IsNil())
         return;
-    std::string const text = value.ToString(m_format.c_str());
+    // A string is its own text: written from the cell, not from a copy.
+    std::string converted;
+    if (value.GetTypeAsEnum() != ItemType_string)
+        converted = value.ToString(m_format.c_str());
+    std::string const &text = value.GetTypeAsEnum() == ItemType_string ? value.GetStringRef() : converted;
     if (IsSuppressedDefault(context, text))
         return;
     CheckPrimitiveFacets(m_attributeName.c_str(), value, m_itemType, m_restrictions,

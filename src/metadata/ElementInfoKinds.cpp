@@ -260,7 +260,12 @@ bool CElementInfoSimple::ElementToXml(CSerializationContext const &context, CXml
     if (value.GetTypeAsEnum() == ItemType_None)
         return false;
     if (m_isPrimitive)
+    {
+        // A string is its own text: written from the cell, not from a copy.
+        if (value.GetTypeAsEnum() == ItemType_string)
+            return WriteSimple(context, writer, value, value.GetStringRef(), ItemType_string, true);
         return WriteSimple(context, writer, value, value.ToString(m_format.c_str()), value.GetTypeAsEnum(), true);
+    }
     char const *name = m_enumToString ? m_enumToString(value.GetI4()) : nullptr;
     return WriteSimple(context, writer, value, name ? name : "", ItemType_string, false);
 }

@@ -17,7 +17,7 @@ namespace
 {
 
 // a -= b in place, a >= b; leaves high zeros for the caller to clean.
-void SubtractInPlace(std::vector<char> &a, std::vector<char> const &b)
+void SubtractInPlace(std::string &a, std::string const &b)
 {
     int borrow = 0;
     std::size_t i = 0;
@@ -36,7 +36,7 @@ void SubtractInPlace(std::vector<char> &a, std::vector<char> const &b)
     assert(!borrow && "SubtractInPlace requires a >= b");
 }
 
-bool IsPowerOfTen(std::vector<char> const &digits)
+bool IsPowerOfTen(std::string const &digits)
 {
     if (digits.back() != 1)
         return false;
@@ -535,7 +535,7 @@ CBigInteger &CBigInteger::operator%=(CBigInteger const &other)
 namespace
 {
 // Sums the digits into the magnitude; the caller has checked the range.
-unsigned long long Magnitude(std::vector<char> const &digits)
+unsigned long long Magnitude(std::string const &digits)
 {
     unsigned long long value = 0;
     unsigned long long factor = 1;

@@ -82,7 +82,9 @@ public:
     static CBigInteger Pow10(unsigned int n);
 
 protected:
-    typedef std::vector<char> Digits;
+    // A string, for its inline buffer: the digits of most values fit there,
+    // so that making, copying and dropping them allocates nothing.
+    typedef std::string Digits;
 
     CBigInteger(int sign, Digits const &digits);
 

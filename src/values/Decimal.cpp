@@ -102,16 +102,17 @@ CDecimal::~CDecimal() = default;
 
 void CDecimal::Parse(char const *text)
 {
-    std::string const s = text ? text : "";
-    auto invalid = [&s](std::size_t position) {
+    // Read in place: the text is copied only into a message.
+    char const *const s = text ? text : "";
+    auto invalid = [s](std::size_t position) {
         return CMxInvalidValueException(
             FormatString("The string representing a Decimal, contained an invalid char at position %d [%s].",
-                         static_cast<int>(position), s.c_str()));
+                         static_cast<int>(position), s));
     };
     std::string integerDigits, fractionDigits, exponentDigits;
     bool negative = false;
     std::size_t i = 0;
-    std::size_t const n = s.size();
+    std::size_t const n = std::strlen(s);
 
     for (; i < n; ++i)
     {
@@ -169,8 +170,12 @@ void CDecimal::Parse(char const *text)
     if (i < n)
         throw invalid(i);
 
-    integerPart.Parse(integerDigits.c_str());
-    fractionPart.Parse(fractionDigits.c_str());
+    // Plain digits: what CBigInteger::Parse would make of them, without its
+    // scan for signs and blanks and its copies of the text.
+    integerPart.sign = 1;
+    CBigInteger::Build(integerDigits, integerPart.digits);
+    fractionPart.sign = 1;
+    CBigInteger::Build(fractionDigits, fractionPart.digits);
     fractionDivider = fractionDigits.empty() ? 1 : static_cast<int>(fractionDigits.size());
     if (negative)
     {
@@ -197,7 +202,7 @@ void CDecimal::Parse(char const *text)
             if (exponent > kMaxExponent)
                 throw CMxOverFlowException(
                     FormatString("The exponent of the Decimal is out of range at position %d [%s].",
-                                 static_cast<int>(exponentStart), s.c_str()));
+                                 static_cast<int>(exponentStart), s));
             *this = *this * CDecimal(Pow10(static_cast<int>(exponent)));
         }
     }

@@ -202,8 +202,12 @@ void CheckString(char const *name, std::string const &value, CPrimitiveRestricti
             matches = compiled->Get(facets.pattern).Matches(value);
         else
         {
+            // A pattern that is its own UTF-8 form is passed as it is, not copied.
             std::string converted;
-            matches = MatchesXsdPattern(std::string(LocalToUtf8View(facets.pattern, converted)), value);
+            std::string_view const utf8 = LocalToUtf8View(facets.pattern, converted);
+            matches = utf8.data() == facets.pattern.data() && utf8.size() == facets.pattern.size()
+                          ? MatchesXsdPattern(facets.pattern, value)
+                          : MatchesXsdPattern(std::string(utf8), value);
         }
     }
     catch (CMxException const &e)

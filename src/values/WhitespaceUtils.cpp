@@ -74,6 +74,17 @@ std::string CWhitespaceUtils::Replace(std::string const &text)
 
 std::string CWhitespaceUtils::Collapse(std::string const &text)
 {
+    // Most values (numbers, dates, codes) hold no blank and no zero byte:
+    // they come out as they are, without the character-by-character copy.
+    bool plain = true;
+    for (char const c : text)
+        if (c <= ' ' && (c == '\0' || IsWhiteSpace(c)))
+        {
+            plain = false;
+            break;
+        }
+    if (plain)
+        return text;
     std::string out;
     out.reserve(text.size());
     // A run is written as its blank only when a non-blank follows it, which

@@ -15,16 +15,22 @@ namespace MxXmlLib
 
 namespace
 {
-// Replaces every occurrence, searching from the start again after each
-// replacement. A replacement that contains what it replaces would never end;
-// none of the fixed pairs below does.
-void ReplaceAll(std::string &text, std::string_view from, std::string_view to)
+// The XSD escapes that PCRE reads otherwise, with their PCRE forms.
+struct Escape
 {
-    std::size_t at;
-    while ((at = text.find(from)) != std::string::npos)
-        text.replace(at, from.size(), to);
-}
-
+    std::string_view from;
+    std::string_view to;
+};
+constexpr Escape kEscapes[] = {
+    {"\\i", "([^\\W\\d]|:)"},
+    {"\\I", "([\\W\\d])"},
+    {"\\c", "(\\w|\\.|-|:)"},
+    {"\\C", "([^\\w\\.\\-\\:])"},
+    {"\\p{IsBasicLatin}", "[\\000-\\177]"},
+    {"\\p{IsLatin-1Supplement}", "[\\200-\\377]"},
+    {"\\p{IsLatinExtended-A}", "[\\400-\\577]"},
+    {"\\p{IsLatinExtended-B}", "[\\600-\\1117]"},
+};
 } // namespace
 
 std::string_view LocalToUtf8View(std::string const &local, std::string &converted)
@@ -48,21 +54,65 @@ namespace
 
 std::string TranslateXsdPattern(std::string const &pattern)
 {
-    std::string p = pattern;
-    // Every step but the last replaces a backslash sequence, and the last
-    // only undoes the first.
-    if (p.find('\\') == std::string::npos && p.find('\x01') == std::string::npos)
-        return p;
-    ReplaceAll(p, "\\\\", "\x01");
-    ReplaceAll(p, "\\i", "([^\\W\\d]|:)");
-    ReplaceAll(p, "\\I", "([\\W\\d])");
-    ReplaceAll(p, "\\c", "(\\w|\\.|-|:)");
-    ReplaceAll(p, "\\C", "([^\\w\\.\\-\\:])");
-    ReplaceAll(p, "\\p{IsBasicLatin}", "[\\000-\\177]");
-    ReplaceAll(p, "\\p{IsLatin-1Supplement}", "[\\200-\\377]");
-    ReplaceAll(p, "\\p{IsLatinExtended-A}", "[\\400-\\577]");
-    ReplaceAll(p, "\\p{IsLatinExtended-B}", "[\\600-\\1117]");
-    ReplaceAll(p, "\x01", "\\\\");
+    return TranslateXsdPattern(pattern, "", "");
+}
+
+// One pass from left to right gives what replacing each escape in turn over
+// the whole text gives. Two backslashes are taken as a pair before anything
+// else and come out as they are (as does a byte 1, which the replacements
+// use to shield them, and so turn into two backslashes), so that no two
+// backslashes stand side by side after them; every escape starts at a
+// backslash and holds no other; and no replacement holds an escape or forms
+// one with its neighbours (each starts with '(' or '[' and ends with ')' or
+// ']').
+std::string TranslateXsdPattern(std::string const &pattern, std::string_view before, std::string_view after)
+{
+    std::string p;
+    p.reserve(before.size() + pattern.size() + after.size() + 16);
+    p.append(before);
+    std::size_t const n = pattern.size();
+    for (std::size_t i = 0; i < n;)
+    {
+        char const c = pattern[i];
+        if (c == '\x01')
+        {
+            p.append("\\\\", 2);
+            ++i;
+            continue;
+        }
+        if (c != '\\')
+        {
+            // The run up to the next backslash or byte 1 goes over as it is.
+            std::size_t j = i + 1;
+            while (j < n && pattern[j] != '\\' && pattern[j] != '\x01')
+                ++j;
+            p.append(pattern, i, j - i);
+            i = j;
+            continue;
+        }
+        if (i + 1 < n && pattern[i + 1] == '\\')
+        {
+            p.append("\\\\", 2);
+            i += 2;
+            continue;
+        }
+        std::string_view const rest(pattern.data() + i, n - i);
+        bool replaced = false;
+        for (Escape const &escape : kEscapes)
+            if (rest.substr(0, escape.from.size()) == escape.from)
+            {
+                p.append(escape.to);
+                i += escape.from.size();
+                replaced = true;
+                break;
+            }
+        if (!replaced)
+        {
+            p.push_back('\\');
+            ++i;
+        }
+    }
+    p.append(after);
     return p;
 }
 
@@ -74,7 +124,7 @@ bool MatchesXsdPattern(std::string const &pattern, std::string const &value)
 CXsdPattern::CXsdPattern(std::string const &pattern, bool forManyValues)
     : m_compiled(nullptr), m_study(nullptr), m_captures(0)
 {
-    std::string const regex = "^(" + TranslateXsdPattern(pattern) + ")$";
+    std::string const regex = TranslateXsdPattern(pattern, "^(", ")$");
     char const *error = nullptr;
     int errorOffset = 0;
     pcre *compiled = pcre_compile(regex.c_str(), PCRE_UTF8, &error, &errorOffset, nullptr);

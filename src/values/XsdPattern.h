@@ -55,5 +55,7 @@ std::string_view LocalToUtf8View(std::string const &local, std::string &converte
 
 // The PCRE form of an XSD pattern, before anchoring.
 std::string TranslateXsdPattern(std::string const &pattern);
+// The same between `before` and `after`, built in one string.
+std::string TranslateXsdPattern(std::string const &pattern, std::string_view before, std::string_view after);
 
 } // namespace MxXmlLib

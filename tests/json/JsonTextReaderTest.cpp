@@ -163,6 +163,12 @@ ErrorCase const kErrors[] = {
     {"\"\\", "Unexpected End of File. Expected string value at line 1, position 2.", "$"},
     {"\"\\q\"", "Invalid Escape Character 'q' at line 1, position 3.", "$"},
     {"\"\\u12", "Unexpected End of File. Expected 4 hexadecimal digits'\\uxxxx' at line 1, position 5.", "$"},
+    // Plain runs inside strings are taken whole and counted as single bytes:
+    // a line feed inside restarts the count, an escape breaks the run.
+    {"\"abc\ndef", "Unexpected End of File. Expected string value at line 2, position 3.", "$"},
+    {"\"ab\\q\"", "Invalid Escape Character 'q' at line 1, position 5.", "$"},
+    {"\"a\\\"bc", "Unexpected End of File. Expected string value at line 1, position 6.", "$"},
+    {"\n\n\"abcdef\\x", "Invalid Escape Character 'x' at line 3, position 9.", "$"},
     {"/* c */ 1", "Expected Value '{', '[', '\"', '0-9', '-', 'true', 'false' or 'null', found '/' at line 1, position 1.",
      "$", false},
     {"[1/x]", "Expected Array separator character ',', found '/' at line 1, position 3.", "$"},

@@ -33,6 +33,10 @@ WhitespaceCase const kCases[] = {
     {std::string("a\0 b", 4), std::string("a\0 b", 4), std::string("a\0 b", 4), "a"},
     {std::string("a\r\0b", 4), "a\n", "a ", "a"},
     {std::string("a\n\0b", 4), std::string("a\n\0b", 4), "a ", "a"},
+    // Collapse returns a text without blanks as it is, but not one with a NUL;
+    // other control bytes and bytes above 127 are no blanks.
+    {std::string("ab\0c", 4), std::string("ab\0c", 4), std::string("ab\0c", 4), "ab"},
+    {"\x01\x1f\x7f\xc3\xa9", "\x01\x1f\x7f\xc3\xa9", "\x01\x1f\x7f\xc3\xa9", "\x01\x1f\x7f\xc3\xa9"},
 };
 
 TEST(WhitespaceUtils, Rules)

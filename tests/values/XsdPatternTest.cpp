@@ -4,6 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <utility>
+#include <vector>
+
 using namespace MxXmlLib;
 
 namespace
@@ -228,6 +232,60 @@ TEST(XsdPattern, TranslationOfEscapes)
     {
         SCOPED_TRACE(c.xsd);
         EXPECT_EQ(c.pcre, TranslateXsdPattern(c.xsd));
+    }
+}
+
+// The translation is one pass over the pattern; the rule is a series of
+// replacements, each over the whole text and from its start again after every
+// replacement. Every pattern of up to four pieces drawn from backslashes, the
+// escape letters, the block names, the shielding byte and plain text gives
+// the same text both ways.
+TEST(XsdPattern, TranslationEqualsTheStepwiseReplacements)
+{
+    auto stepwise = [](std::string p) {
+        std::pair<char const *, char const *> const steps[] = {
+            {"\\\\", "\x01"},
+            {"\\i", "([^\\W\\d]|:)"},
+            {"\\I", "([\\W\\d])"},
+            {"\\c", "(\\w|\\.|-|:)"},
+            {"\\C", "([^\\w\\.\\-\\:])"},
+            {"\\p{IsBasicLatin}", "[\\000-\\177]"},
+            {"\\p{IsLatin-1Supplement}", "[\\200-\\377]"},
+            {"\\p{IsLatinExtended-A}", "[\\400-\\577]"},
+            {"\\p{IsLatinExtended-B}", "[\\600-\\1117]"},
+            {"\x01", "\\\\"},
+        };
+        for (auto const &step : steps)
+        {
+            std::string const from = step.first;
+            std::size_t at;
+            while ((at = p.find(from)) != std::string::npos)
+                p.replace(at, from.size(), step.second);
+        }
+        return p;
+    };
+    char const *const pieces[] = {"\\", "i", "I", "c", "C", "\x01", "a", "p{IsBasicLatin}",
+                                  "p{IsLatin-1Supplement}", "p{IsLatinExtended-A}", "p{IsLatinExtended-B}",
+                                  "p{IsLatin"};
+    std::size_t const count = sizeof pieces / sizeof pieces[0];
+    std::vector<std::size_t> digits;
+    for (std::size_t length = 0; length <= 4; ++length)
+    {
+        digits.assign(length, 0);
+        for (;;)
+        {
+            std::string pattern;
+            for (std::size_t d : digits)
+                pattern += pieces[d];
+            std::string const expected = stepwise(pattern);
+            ASSERT_EQ(expected, TranslateXsdPattern(pattern)) << pattern;
+            ASSERT_EQ("^(" + expected + ")$", TranslateXsdPattern(pattern, "^(", ")$")) << pattern;
+            std::size_t k = 0;
+            while (k < length && ++digits[k] == count)
+                digits[k++] = 0;
+            if (k == length)
+                break;
+        }
     }
 }
 
