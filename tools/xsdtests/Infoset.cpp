@@ -400,12 +400,38 @@ std::string Where(Node const &node, std::string const &path)
     return path + "/" + node.local;
 }
 
+// A decimal's digits without a sign, leading or trailing zeros or a
+// needless point: "+0.50" and ".5" give "0.5".
+std::string DecimalDigits(std::string text)
+{
+    bool negative = false;
+    if (!text.empty() && (text[0] == '+' || text[0] == '-'))
+    {
+        negative = text[0] == '-';
+        text.erase(0, 1);
+    }
+    if (text.find('.') != std::string::npos)
+    {
+        text.erase(text.find_last_not_of('0') + 1);
+        if (!text.empty() && text.back() == '.')
+            text.pop_back();
+    }
+    text.erase(0, std::min(text.find_first_not_of('0'), text.size()));
+    if (text.empty() || text[0] == '.')
+        text.insert(0, "0");
+    return negative && text != "0" ? "-" + text : text;
+}
+
 // Xerces' canonical float and double keep the digits of the lexical form
 // ("0.01" gives 0.1E-1, "1.0e-2" gives 1.0E-2): these compare as numbers.
+// Its canonical decimal may keep a leading point.
 bool SameValue(std::string const &primitive, std::string const &x, std::string const &y)
 {
     if (x == y)
         return true;
+    if (primitive == "decimal")
+        return x.find_first_not_of("+-.0123456789") == std::string::npos &&
+               y.find_first_not_of("+-.0123456789") == std::string::npos && DecimalDigits(x) == DecimalDigits(y);
     if (primitive != "float" && primitive != "double")
         return false;
     char *endX = nullptr, *endY = nullptr;
