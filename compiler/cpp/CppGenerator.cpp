@@ -382,16 +382,6 @@ Names Decide(Model const &model, CppOptions const &options)
     return names;
 }
 
-bool HoldsQName(ValueType const &type)
-{
-    if (type.qname)
-        return true;
-    for (ValueType const &item : type.items)
-        if (HoldsQName(item))
-            return true;
-    return false;
-}
-
 // ---------------------------------------------------------------------------
 // Printing
 
@@ -625,7 +615,8 @@ private:
         ClassDef const &c = m.classes[ci];
         for (std::size_t pi = 0; pi < c.properties.size(); ++pi)
             if (ValueType const *v = FacetedValue(c, pi);
-                (v != nullptr && HoldsQName(*v)) || HoldsUntyped(c.properties[pi]) || InlineGroupWithQNames(ci, pi))
+                (v != nullptr && HoldsQName(*v)) || HoldsUntyped(c.properties[pi]) || InlineGroupWithQNames(ci, pi) ||
+                HoldsQNameCollection(c, pi))
                 return true;
         return false;
     }
@@ -1443,6 +1434,9 @@ private:
                            "], m_prefixes);\n";
             else if (InlineGroupWithQNames(ci, pi))
                 collect += "    MxXmlLib::CollectInlinePrefixes(m_cells[" + std::to_string(pi) + "], m_prefixes);\n";
+            else if (HoldsQNameCollection(c, pi))
+                collect += "    MxXmlLib::CollectQNameCollectionPrefixes(element, m_cells[" + std::to_string(pi) +
+                           "], m_prefixes);\n";
         }
         return Fill("MxXmlLib::CXmlElement *$class$::FromXml_Int(MxXmlLib::CXmlElement *element, "
                     "MxXmlLib::CXmlElement *cursor,\n"

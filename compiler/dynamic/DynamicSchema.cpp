@@ -754,6 +754,8 @@ CXmlElement *CDynamicObject::FromXml_Int(CXmlElement *element, CXmlElement *curs
             CollectUntypedTypePrefixes(element, m_cells[i], m_prefixes);
         else if (HoldsInlineGroup(GetClass(), i))
             CollectInlinePrefixes(m_cells[i], m_prefixes);
+        else if (HoldsQNameCollection(GetClass(), i))
+            CollectQNameCollectionPrefixes(element, m_cells[i], m_prefixes);
     }
     return next;
 }

@@ -310,6 +310,23 @@ bool HoldsUntyped(Property const &p)
            p.holds == Property::Holds::ElementCol;
 }
 
+bool HoldsQName(ValueType const &type)
+{
+    if (type.qname)
+        return true;
+    for (ValueType const &item : type.items)
+        if (HoldsQName(item))
+            return true;
+    return false;
+}
+
+bool HoldsQNameCollection(ClassDef const &c, std::size_t index)
+{
+    Property const &p = c.properties[index];
+    return p.holds == Property::Holds::ValueCol && p.row >= 0 &&
+           HoldsQName(c.elements[static_cast<std::size_t>(p.row)].value);
+}
+
 bool HoldsInlineGroup(ClassDef const &c, std::size_t index)
 {
     Property const &p = c.properties[index];

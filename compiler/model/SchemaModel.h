@@ -194,6 +194,11 @@ ValueType const *FacetedValue(ClassDef const &c, std::size_t index);
 bool HoldsUntyped(Property const &p);
 // Whether property `index` of `c` holds an inline group or a collection of them.
 bool HoldsInlineGroup(ClassDef const &c, std::size_t index);
+// Whether the type, or an item or member of it, is a QName or NOTATION.
+bool HoldsQName(ValueType const &type);
+// Whether property `index` of `c` is a collection of QName values (its
+// items keep their prefixes as single values do).
+bool HoldsQNameCollection(ClassDef const &c, std::size_t index);
 
 // A global element declaration: what a document may start with.
 struct RootElement

@@ -529,16 +529,21 @@ void CollectValuePrefixes(CXmlElement const *element, std::string const &value, 
 void CollectSchemaValuePrefixes(CXmlElement const *element, CSchemaValueType const &type, MxVariant const &cell,
                                 SchemaValuePrefixes &prefixes)
 {
-    if (element == nullptr || element->GetDocument() == nullptr || !type.HoldsQName())
+    if (element == nullptr || element->GetDocument() == nullptr || !type.HoldsQName() ||
+        cell.GetTypeAsEnum() != ItemType_string)
         return;
     bool defaultNoted = false;
-    if (cell.GetTypeAsEnum() == ItemType_string)
-        CollectValuePrefixes(element, cell.GetString(), defaultNoted, prefixes);
-    else if (cell.GetTypeAsEnum() == ItemType_XmlObject)
-        // A repeated element holds its values in a collection.
-        if (auto const *items = dynamic_cast<CstringCol const *>(cell.GetXmlObject().Get()))
-            for (std::string const &item : *items)
-                CollectValuePrefixes(element, item, defaultNoted, prefixes);
+    CollectValuePrefixes(element, cell.GetString(), defaultNoted, prefixes);
+}
+
+void CollectQNameCollectionPrefixes(CXmlElement const *element, MxVariant const &cell, SchemaValuePrefixes &prefixes)
+{
+    if (element == nullptr || element->GetDocument() == nullptr || cell.GetTypeAsEnum() != ItemType_XmlObject)
+        return;
+    bool defaultNoted = false;
+    if (auto const *items = dynamic_cast<CstringCol const *>(cell.GetXmlObject().Get()))
+        for (std::string const &item : *items)
+            CollectValuePrefixes(element, item, defaultNoted, prefixes);
 }
 
 namespace

@@ -163,6 +163,8 @@ bool ReadsSchemaText(ItemType itemType);
 using SchemaValuePrefixes = std::vector<std::pair<std::string, std::string>>; // prefix, namespace URI
 void CollectSchemaValuePrefixes(CXmlElement const *element, CSchemaValueType const &type, MxVariant const &cell,
                                 SchemaValuePrefixes &prefixes);
+// The same for a cell that holds a collection of QName values.
+void CollectQNameCollectionPrefixes(CXmlElement const *element, MxVariant const &cell, SchemaValuePrefixes &prefixes);
 void DeclareSchemaValuePrefixes(CXmlWriter *writer, SchemaValuePrefixes const &prefixes);
 // The same for the xsi:type attributes in untyped content (a cell holding a
 // CElement or a CElementCol): such an element keeps the attribute's text,

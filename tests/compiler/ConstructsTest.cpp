@@ -155,11 +155,14 @@ constexpr ConstructCase kConstructs[] = {
      "<c:r xmlns:c='urn:c' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' xsi:type='c:T'/>",
      "<AA:r xmlns:AA=\"urn:c\" xmlns:c=\"urn:c\" xmlns:AB=\"http://www.w3.org/2001/XMLSchema-instance\" "
      "AB:type=\"c:T\"/>"},
-    {"QName values in a repeated choice keep their prefixes",
-     "<xs:element name='r'><xs:complexType><xs:choice maxOccurs='unbounded'><xs:element name='k' type='xs:QName'/>"
-     "<xs:element name='f' type='xs:QName'/></xs:choice></xs:complexType></xs:element>",
-     "<r xmlns='urn:c' xmlns:p='urn:p' xmlns:q='urn:p'><k> p:a </k><f>q:a</f></r>",
-     "<AA:r xmlns:AA=\"urn:c\" xmlns:p=\"urn:p\" xmlns:q=\"urn:p\"><AA:k>p:a</AA:k><AA:f>q:a</AA:f></AA:r>"},
+    {"QName values in a repeated choice and a repeated element keep their prefixes",
+     "<xs:element name='r'><xs:complexType><xs:sequence><xs:choice maxOccurs='unbounded'>"
+     "<xs:element name='k' type='xs:QName'/><xs:element name='f' type='xs:QName'/></xs:choice>"
+     "<xs:element name='l' type='xs:QName' maxOccurs='2'/></xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:c' xmlns:p='urn:p' xmlns:q='urn:p' xmlns:s='urn:s'><k> p:a </k><f>q:a</f><l>s:b</l><l>p:c</l>"
+     "</r>",
+     "<AA:r xmlns:AA=\"urn:c\" xmlns:p=\"urn:p\" xmlns:q=\"urn:p\" xmlns:s=\"urn:s\"><AA:k>p:a</AA:k><AA:f>q:a</AA:f>"
+     "<AA:l>s:b</AA:l><AA:l>p:c</AA:l></AA:r>"},
 };
 
 std::string Schema(char const *body)

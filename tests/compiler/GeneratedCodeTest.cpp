@@ -204,9 +204,9 @@ TEST(GeneratedCode, ChecksValuesAsTheLoadedSchema)
          "<p:level xmlns:p=\"urn:parity\" xmlns:t=\"urn:parity:types\" "
          "xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" xsi:type=\"t:LowLevel\"/>",
          nullptr},
-        {"QName values in a repeated choice",
-         "<p:names xmlns:p=\"urn:parity\" xmlns:a=\"urn:a\" xmlns:b=\"urn:b\"><p:key>a:x</p:key><p:ref>b:x</p:ref>"
-         "<p:key>b:y</p:key></p:names>",
+        {"QName values in a repeated choice and a repeated element",
+         "<p:names xmlns:p=\"urn:parity\" xmlns:a=\"urn:a\" xmlns:b=\"urn:b\" xmlns:c=\"urn:c\"><p:key>a:x</p:key><p:ref>b:x</p:ref>"
+         "<p:key>b:y</p:key><p:also>c:z</p:also></p:names>",
          nullptr},
     };
     MxCompiler::CSchemaSet const set = MxCompiler::CSchemaSet::Load({MX_TEST_DATA_DIR "/parity.xsd"});
