@@ -46,6 +46,8 @@ constexpr char const *kXsdNamespace = "http://www.w3.org/2001/XMLSchema";
 // Nesting of groups and anonymous types that the model follows; deeper
 // schemas are refused rather than risking the stack.
 constexpr int kMaxNesting = 200;
+// The declared elements a strict wildcard may bind as alternatives.
+constexpr std::size_t kMaxStrictAlternatives = 256;
 
 std::string Utf8(XMLCh const *text)
 {
@@ -787,12 +789,54 @@ private:
         }
     }
 
+    // The global elements of the set that a wildcard admits.
+    std::vector<XSElementDeclaration *> AdmittedElements(XSWildcard *w) const
+    {
+        std::set<std::string> listed;
+        StringList *list = w->getNsConstraintList();
+        for (XMLSize_t i = 0; list && i < list->size(); ++i)
+            listed.insert(Utf8(list->elementAt(i)));
+        std::vector<XSElementDeclaration *> admitted;
+        XSNamedMap<XSObject> *elements = m_xs->getComponents(XSConstants::ELEMENT_DECLARATION);
+        for (XMLSize_t i = 0; elements && i < elements->getLength(); ++i)
+        {
+            auto *e = static_cast<XSElementDeclaration *>(elements->item(i));
+            std::string const ns = Utf8(e->getNamespace());
+            bool const allowed =
+                w->getConstraintType() == XSWildcard::NSCONSTRAINT_ANY ||
+                (w->getConstraintType() == XSWildcard::NSCONSTRAINT_NOT ? !ns.empty() && listed.count(ns) == 0
+                                                                        : listed.count(ns) != 0);
+            if (allowed && !e->getAbstract() && ns != kXsdNamespace)
+                admitted.push_back(e);
+        }
+        return admitted;
+    }
+
     void AddWildcard(int index, Group group, XSWildcard *w, int min, int max, int depth)
     {
         std::string const targetNs = Class(index).ns;
         std::vector<std::string> const tokens = WildcardTokens(w, targetNs);
         if (tokens.empty())
             return;
+        // A strict wildcard (XSD's default) admits only elements that are
+        // declared, and validates each as its declaration says: where the set
+        // declares some that it admits, they are the alternatives, bound as
+        // any other element. (Where it declares none, the elements come from
+        // schemas outside the set, and stay untyped; so do they where it
+        // declares more than kMaxStrictAlternatives, which would make every
+        // such wildcard a class of that many rows.)
+        if (w->getProcessContents() == XSWildcard::PC_STRICT)
+        {
+            std::vector<XSElementDeclaration *> const admitted = AdmittedElements(w);
+            if (!admitted.empty() && admitted.size() <= kMaxStrictAlternatives)
+            {
+                int const pseudo = PseudoClass(index, Group::Choice, "Any");
+                for (XSElementDeclaration *e : admitted)
+                    AddSingleElement(pseudo, Group::Choice, e, 0, 1, depth + 1);
+                AddInlineRow(index, group, pseudo, min, max, min > 0, "strict wildcard in " + Class(index).origin);
+                return;
+            }
+        }
         // A repeated wildcard is read into a collection that takes elements
         // of every namespace: where other particles follow it, it would take
         // theirs too, so it becomes a repeated inline choice whose one row

@@ -101,6 +101,12 @@ constexpr ConstructCase kConstructs[] = {
      "<xs:anyAttribute namespace='##other' processContents='skip'/></xs:complexType></xs:element>",
      "<r xmlns='urn:c' xmlns:o='urn:o' o:x='1'><a>1</a><o:e k='v'>t</o:e><o:f/></r>",
      "<AA:r xmlns:AA=\"urn:c\" xmlns:AB=\"urn:o\" AB:x=\"1\"><AA:a>1</AA:a><AB:e k=\"v\">t</AB:e><AB:f/></AA:r>"},
+    {"a strict wildcard binds the elements the set declares",
+     "<xs:element name='n' type='xs:int'/><xs:element name='r'><xs:complexType><xs:sequence>"
+     "<xs:any namespace='##targetNamespace' maxOccurs='2'/><xs:any namespace='##other' processContents='lax' "
+     "minOccurs='0'/></xs:sequence></xs:complexType></xs:element>",
+     "<r xmlns='urn:c'><n> 7 </n><r><n>8</n></r><o:x xmlns:o='urn:o'> 9 </o:x></r>",
+     "<AA:r xmlns:AA=\"urn:c\"><AA:n>7</AA:n><AA:r><AA:n>8</AA:n></AA:r><AB:x xmlns:AB=\"urn:o\"> 9 </AB:x></AA:r>"},
     {"mixed content kept untyped",
      "<xs:element name='r'><xs:complexType><xs:sequence><xs:element name='m'><xs:complexType mixed='true'>"
      "<xs:sequence><xs:element name='b' type='xs:string'/></xs:sequence></xs:complexType></xs:element>"
