@@ -610,28 +610,6 @@ private:
         return nullptr;
     }
 
-    bool HasQNames(std::size_t ci) const
-    {
-        ClassDef const &c = m.classes[ci];
-        for (std::size_t pi = 0; pi < c.properties.size(); ++pi)
-            if (ValueType const *v = FacetedValue(c, pi);
-                (v != nullptr && HoldsQName(*v)) || HoldsUntyped(c.properties[pi]) || InlineGroupWithQNames(ci, pi) ||
-                HoldsQNameCollection(c, pi))
-                return true;
-        return false;
-    }
-
-    // Whether property `pi` holds inline groups whose values note prefixes:
-    // the class takes them over and declares them.
-    bool InlineGroupWithQNames(std::size_t ci, std::size_t pi) const
-    {
-        ClassDef const &c = m.classes[ci];
-        if (!HoldsInlineGroup(c, pi))
-            return false;
-        int const child = c.elements[static_cast<std::size_t>(c.properties[pi].row)].classIndex;
-        return child >= 0 && HasQNames(static_cast<std::size_t>(child));
-    }
-
     // The declarations that every class of the set needs: enumerations,
     // class numbers, factories, the value types, and every class by name.
     std::string CommonHeader() const
@@ -707,7 +685,7 @@ private:
     std::string ClassHeader(std::size_t ci) const
     {
         ClassDef const &c = m.classes[ci];
-        bool const qnames = HasQNames(ci);
+        bool const qnames = m.NotesPrefixes(ci);
         std::map<std::string, std::string> v = {
             {"class", n.classes[ci]},
             {"element", Literal(c.defaultElementName)},
@@ -936,10 +914,12 @@ private:
     {
         std::string const &here = n.cppNamespace;
         std::string cases;
+        std::set<std::pair<std::string, std::string>> named;
         for (std::size_t ci = 0; ci < m.classes.size(); ++ci)
         {
             ClassDef const &c = m.classes[ci];
-            if (c.abstract || m.FindTypeClass(c.name, c.ns) != static_cast<int>(ci))
+            // The class FindTypeClass gives: the first of its name.
+            if (!StandsForType(c) || !named.emplace(c.name, c.ns).second || c.abstract)
                 continue;
             cases += "        if (type == " + Literal(c.name) + " && typeNs == " + Literal(c.ns) +
                      ")\n            made = Named(new MxXmlLib::CSchemaTypeRoot<" +
@@ -1418,25 +1398,31 @@ private:
 
     std::string QNameOverrides(std::size_t ci) const
     {
-        if (!HasQNames(ci))
+        if (!m.NotesPrefixes(ci))
             return std::string();
         ClassDef const &c = m.classes[ci];
         std::string collect;
         for (std::size_t pi = 0; pi < c.properties.size(); ++pi)
         {
-            int const type = m_propertyTypes[ci][pi];
-            ValueType const *v = FacetedValue(c, pi);
-            if (type >= 0 && v != nullptr && HoldsQName(*v))
+            std::string const cell = "m_cells[" + std::to_string(pi) + "]";
+            switch (m.PrefixSourceOf(ci, pi))
+            {
+            case PrefixSource::Value:
                 collect += "    MxXmlLib::CollectSchemaValuePrefixes(element, SchemaValues().types[" +
-                           std::to_string(type) + "], m_cells[" + std::to_string(pi) + "], m_prefixes);\n";
-            else if (type < 0 && HoldsUntyped(c.properties[pi]))
-                collect += "    MxXmlLib::CollectUntypedTypePrefixes(element, m_cells[" + std::to_string(pi) +
-                           "], m_prefixes);\n";
-            else if (InlineGroupWithQNames(ci, pi))
-                collect += "    MxXmlLib::CollectInlinePrefixes(m_cells[" + std::to_string(pi) + "], m_prefixes);\n";
-            else if (HoldsQNameCollection(c, pi))
-                collect += "    MxXmlLib::CollectQNameCollectionPrefixes(element, m_cells[" + std::to_string(pi) +
-                           "], m_prefixes);\n";
+                           std::to_string(m_propertyTypes[ci][pi]) + "], " + cell + ", m_prefixes);\n";
+                break;
+            case PrefixSource::Collection:
+                collect += "    MxXmlLib::CollectQNameCollectionPrefixes(element, " + cell + ", m_prefixes);\n";
+                break;
+            case PrefixSource::Untyped:
+                collect += "    MxXmlLib::CollectUntypedTypePrefixes(element, " + cell + ", m_prefixes);\n";
+                break;
+            case PrefixSource::InlineGroup:
+                collect += "    MxXmlLib::CollectInlinePrefixes(" + cell + ", m_prefixes);\n";
+                break;
+            case PrefixSource::None:
+                break;
+            }
         }
         return Fill("MxXmlLib::CXmlElement *$class$::FromXml_Int(MxXmlLib::CXmlElement *element, "
                     "MxXmlLib::CXmlElement *cursor,\n"

@@ -118,6 +118,9 @@ struct SetData : std::enable_shared_from_this<SetData>
     CSchemaEnumerations enumerations;
     std::vector<CSchemaValueType> valueTypes;
     std::vector<std::vector<int>> propertyValueTypes;
+    // Per class: the properties whose prefixes it notes, and how (most
+    // classes have none, and their reads skip the question).
+    std::vector<std::vector<std::pair<std::size_t, PrefixSource>>> prefixSources;
 
     ~SetData();
     CSmartPtr<CXmlObjectBase> Make(int classIndex, bool nillable, char const *elementName,
@@ -580,6 +583,11 @@ std::shared_ptr<SetData> Build(Model model)
             data->valueTypes.back().PreparePattern();
         }
     }
+    data->prefixSources.resize(m.classes.size());
+    for (std::size_t ci = 0; ci < m.classes.size(); ++ci)
+        for (std::size_t pi = 0; pi < m.classes[ci].properties.size(); ++pi)
+            if (PrefixSource const source = m.PrefixSourceOf(ci, pi); source != PrefixSource::None)
+                data->prefixSources[ci].emplace_back(pi, source);
     // Published last: a factory that finds the set finds it whole.
     g_sets[static_cast<std::size_t>(data->slot)].store(data.get(), std::memory_order_release);
     return data;
@@ -744,19 +752,25 @@ CXmlElement *CDynamicObject::FromXml_Int(CXmlElement *element, CXmlElement *curs
     CXmlElement *const next = CXmlGeneratedClass::FromXml_Int(element, cursor, context, optionalChoice);
     m_prefixes.clear();
     std::vector<int> const &types = m_set->propertyValueTypes[static_cast<std::size_t>(m_class)];
-    std::vector<Property> const &properties = GetClass().properties;
-    for (std::size_t i = 0; i < m_cells.size(); ++i)
-    {
-        if (types[i] >= 0)
+    for (auto const &[i, source] : m_set->prefixSources[static_cast<std::size_t>(m_class)])
+        switch (source)
+        {
+        case PrefixSource::Value:
             CollectSchemaValuePrefixes(element, m_set->valueTypes[static_cast<std::size_t>(types[i])], m_cells[i],
                                        m_prefixes);
-        else if (HoldsUntyped(properties[i]))
-            CollectUntypedTypePrefixes(element, m_cells[i], m_prefixes);
-        else if (HoldsInlineGroup(GetClass(), i))
-            CollectInlinePrefixes(m_cells[i], m_prefixes);
-        else if (HoldsQNameCollection(GetClass(), i))
+            break;
+        case PrefixSource::Collection:
             CollectQNameCollectionPrefixes(element, m_cells[i], m_prefixes);
-    }
+            break;
+        case PrefixSource::Untyped:
+            CollectUntypedTypePrefixes(element, m_cells[i], m_prefixes);
+            break;
+        case PrefixSource::InlineGroup:
+            CollectInlinePrefixes(m_cells[i], m_prefixes);
+            break;
+        case PrefixSource::None:
+            break;
+        }
     return next;
 }
 

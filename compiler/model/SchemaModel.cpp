@@ -167,9 +167,7 @@ int Model::FindTypeClass(std::string const &name, std::string const &ns) const
     for (std::size_t i = 0; i < classes.size(); ++i)
     {
         ClassDef const &c = classes[i];
-        // The copies of a simple type's classes that carry an element's
-        // default belong to that element.
-        if (!c.anonymous && !c.hasContentDefault && c.name == name && c.ns == ns)
+        if (StandsForType(c) && c.name == name && c.ns == ns)
             return static_cast<int>(i);
     }
     return -1;
@@ -310,6 +308,13 @@ bool HoldsUntyped(Property const &p)
            p.holds == Property::Holds::ElementCol;
 }
 
+bool StandsForType(ClassDef const &c)
+{
+    // The copies of a simple type's classes that carry an element's default
+    // belong to that element.
+    return !c.anonymous && !c.hasContentDefault;
+}
+
 bool HoldsQName(ValueType const &type)
 {
     if (type.qname)
@@ -320,19 +325,34 @@ bool HoldsQName(ValueType const &type)
     return false;
 }
 
-bool HoldsQNameCollection(ClassDef const &c, std::size_t index)
+PrefixSource Model::PrefixSourceOf(std::size_t classIndex, std::size_t property) const
 {
-    Property const &p = c.properties[index];
-    return p.holds == Property::Holds::ValueCol && p.row >= 0 &&
-           HoldsQName(c.elements[static_cast<std::size_t>(p.row)].value);
-}
-
-bool HoldsInlineGroup(ClassDef const &c, std::size_t index)
-{
-    Property const &p = c.properties[index];
+    ClassDef const &c = classes[classIndex];
+    Property const &p = c.properties[property];
+    if (ValueType const *v = FacetedValue(c, property))
+        return HoldsQName(*v) ? PrefixSource::Value : PrefixSource::None;
+    if (HoldsUntyped(p))
+        return PrefixSource::Untyped;
+    if (p.row < 0)
+        return PrefixSource::None;
+    ElementRow const &row = c.elements[static_cast<std::size_t>(p.row)];
+    if (p.holds == Property::Holds::ValueCol)
+        return HoldsQName(row.value) ? PrefixSource::Collection : PrefixSource::None;
     bool const objects = p.holds == Property::Holds::Object || p.holds == Property::Holds::MandatoryObject ||
                          p.holds == Property::Holds::ObjectCol;
-    return objects && p.row >= 0 && c.elements[static_cast<std::size_t>(p.row)].childShape == ClassShape::PseudoGroup;
+    // An inline group never holds itself, so the question ends.
+    if (objects && row.childShape == ClassShape::PseudoGroup && row.classIndex >= 0 &&
+        NotesPrefixes(static_cast<std::size_t>(row.classIndex)))
+        return PrefixSource::InlineGroup;
+    return PrefixSource::None;
+}
+
+bool Model::NotesPrefixes(std::size_t classIndex) const
+{
+    for (std::size_t pi = 0; pi < classes[classIndex].properties.size(); ++pi)
+        if (PrefixSourceOf(classIndex, pi) != PrefixSource::None)
+            return true;
+    return false;
 }
 
 } // namespace MxCompiler

@@ -192,13 +192,11 @@ ValueType const *FacetedValue(ClassDef const &c, std::size_t index);
 
 // Whether property `p` holds untyped elements (xs:any, anyType content).
 bool HoldsUntyped(Property const &p);
-// Whether property `index` of `c` holds an inline group or a collection of them.
-bool HoldsInlineGroup(ClassDef const &c, std::size_t index);
+// Whether the class is the one of a named type (not an anonymous type's, nor
+// a copy of a simple type's classes that carries an element's default).
+bool StandsForType(ClassDef const &c);
 // Whether the type, or an item or member of it, is a QName or NOTATION.
 bool HoldsQName(ValueType const &type);
-// Whether property `index` of `c` is a collection of QName values (its
-// items keep their prefixes as single values do).
-bool HoldsQNameCollection(ClassDef const &c, std::size_t index);
 
 // A global element declaration: what a document may start with.
 struct RootElement
@@ -212,6 +210,19 @@ struct RootElement
     bool abstract = false;
 };
 
+// What a property holds whose prefixes the class notes when it reads and
+// declares when it is written: QName values, one (`Value`) or a collection;
+// untyped content, whose xsi:type values keep their prefixes; an inline
+// group that notes prefixes itself, having no element to declare them on.
+enum class PrefixSource
+{
+    None,
+    Value,
+    Collection,
+    Untyped,
+    InlineGroup,
+};
+
 struct Model
 {
     std::vector<ClassDef> classes;
@@ -220,8 +231,12 @@ struct Model
     std::vector<std::string> schemaFiles;
 
     int FindRoot(std::string const &name, std::string const &ns) const;
+    PrefixSource PrefixSourceOf(std::size_t classIndex, std::size_t property) const;
+    // Whether any property of the class is a PrefixSource.
+    bool NotesPrefixes(std::size_t classIndex) const;
     // The class of the named type, complex or simple, that an xsi:type on an
-    // undeclared document element names, or -1.
+    // undeclared document element names, or -1: the first class that
+    // StandsForType and has that name.
     int FindTypeClass(std::string const &name, std::string const &ns) const;
     // The class and all its derivations in the set, the class first.
     std::vector<int> Substitutes(int classIndex) const;

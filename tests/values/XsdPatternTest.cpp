@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -204,6 +205,18 @@ TEST(XsdPattern, MatchesWholeValues)
     }
 }
 
+// The escapes and what each becomes, in the order the rule replaces them.
+constexpr std::pair<char const *, char const *> kEscapes[] = {
+    {"\\i", "([^\\W\\d]|:)"},
+    {"\\I", "([\\W\\d])"},
+    {"\\c", "(\\w|\\.|-|:)"},
+    {"\\C", "([^\\w\\.\\-\\:])"},
+    {"\\p{IsBasicLatin}", "[\\000-\\177]"},
+    {"\\p{IsLatin-1Supplement}", "[\\200-\\377]"},
+    {"\\p{IsLatinExtended-A}", "[\\400-\\577]"},
+    {"\\p{IsLatinExtended-B}", "[\\600-\\1117]"},
+};
+
 TEST(XsdPattern, TranslationOfEscapes)
 {
     struct Case
@@ -211,15 +224,9 @@ TEST(XsdPattern, TranslationOfEscapes)
         char const *xsd;
         char const *pcre;
     };
+    for (auto const &[xsd, pcre] : kEscapes)
+        EXPECT_EQ(pcre, TranslateXsdPattern(xsd)) << xsd;
     Case const cases[] = {
-        {"\\i", "([^\\W\\d]|:)"},
-        {"\\I", "([\\W\\d])"},
-        {"\\c", "(\\w|\\.|-|:)"},
-        {"\\C", "([^\\w\\.\\-\\:])"},
-        {"\\p{IsBasicLatin}", "[\\000-\\177]"},
-        {"\\p{IsLatin-1Supplement}", "[\\200-\\377]"},
-        {"\\p{IsLatinExtended-A}", "[\\400-\\577]"},
-        {"\\p{IsLatinExtended-B}", "[\\600-\\1117]"},
         {"\\\\i", "\\\\i"},
         {"[\\i]", "[([^\\W\\d]|:)]"}, // no regard for context
         {"\\p{IsGreek}", "\\p{IsGreek}"},
@@ -243,18 +250,9 @@ TEST(XsdPattern, TranslationOfEscapes)
 TEST(XsdPattern, TranslationEqualsTheStepwiseReplacements)
 {
     auto stepwise = [](std::string p) {
-        std::pair<char const *, char const *> const steps[] = {
-            {"\\\\", "\x01"},
-            {"\\i", "([^\\W\\d]|:)"},
-            {"\\I", "([\\W\\d])"},
-            {"\\c", "(\\w|\\.|-|:)"},
-            {"\\C", "([^\\w\\.\\-\\:])"},
-            {"\\p{IsBasicLatin}", "[\\000-\\177]"},
-            {"\\p{IsLatin-1Supplement}", "[\\200-\\377]"},
-            {"\\p{IsLatinExtended-A}", "[\\400-\\577]"},
-            {"\\p{IsLatinExtended-B}", "[\\600-\\1117]"},
-            {"\x01", "\\\\"},
-        };
+        std::vector<std::pair<char const *, char const *>> steps = {{"\\\\", "\x01"}};
+        steps.insert(steps.end(), std::begin(kEscapes), std::end(kEscapes));
+        steps.emplace_back("\x01", "\\\\");
         for (auto const &step : steps)
         {
             std::string const from = step.first;
